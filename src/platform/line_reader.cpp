@@ -1,0 +1,51 @@
+#include "platform/line_reader.h"
+
+#include <cstring>
+
+bool line_reader::read()
+{
+    std::array<char, line_buffer_size> next{};
+    if (!std::fgets(next.data(), line_buffer_size, file_))
+        return false;
+    buffer_ = next;
+    size_t length = std::strlen(buffer_.data());
+    bool complete = length > 0 && buffer_[length - 1] == '\n';
+    if (!complete && length == line_buffer_size - 1)
+        skip_rest_of_line();
+    return true;
+}
+
+void line_reader::skip_rest_of_line()
+{
+    if (mode_ == long_line::pieces)
+        return;
+    if (mode_ == long_line::skip_once && last_skipped_ == '\n')
+        return;
+    int c;
+    do
+        c = std::fgetc(file_);
+    while (c != '\n' && c != EOF);
+    last_skipped_ = c;
+}
+
+void line_reader::drop_last_char()
+{
+    size_t length = std::strlen(buffer_.data());
+    if (length > 0)
+        buffer_[length - 1] = '\0';
+}
+
+bool line_reader::read_chopped()
+{
+    bool got = read();
+    drop_last_char();
+    return got;
+}
+
+std::string line_reader::line() const
+{
+    std::string text = buffer_.data();
+    if (!text.empty() && text.back() == '\n')
+        text.pop_back();
+    return text;
+}

@@ -1,0 +1,47 @@
+#pragma once
+// The one line reader of every text file the program reads. Lines come in through a
+// buffer of 102 bytes (at most 101 characters); what happens to the rest of a longer
+// line depends on the file.
+#include <array>
+#include <cstdio>
+#include <string>
+
+inline constexpr int line_buffer_size = 102;
+
+enum class long_line {
+    // Master list and user tree: the rest of an over-long line is thrown away, but only
+    // once per load; after that, the rest of a later long line comes in as the next line.
+    skip_once,
+    // wfclient.ini: the rest of every over-long line is thrown away.
+    skip_rest,
+    // Options and keymap files: a long line comes in as several pieces.
+    pieces,
+};
+
+class line_reader {
+public:
+    line_reader(FILE* file, long_line mode) : file_(file), mode_(mode) {}
+
+    // Reads the next line into the buffer, line end included when it fits. At the end
+    // of the file it returns false and the buffer keeps what it held before.
+    bool read();
+    // Removes the last character of the buffer, whatever it is (the master list and
+    // user tree rule: a line loses its line end, an over-long line its 101st
+    // character, a last line without line end its last real character).
+    void drop_last_char();
+    // read() followed by drop_last_char(), the way the store reads every line.
+    bool read_chopped();
+
+    const char* c_str() const { return buffer_.data(); }
+    std::string text() const { return buffer_.data(); }
+    // The buffer without a trailing line end.
+    std::string line() const;
+
+private:
+    void skip_rest_of_line();
+
+    FILE* file_;
+    long_line mode_;
+    std::array<char, line_buffer_size> buffer_{};
+    int last_skipped_ = 0;  // last character read by a skip; '\n' disables later skips
+};

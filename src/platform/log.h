@@ -1,0 +1,11 @@
+#pragma once
+// The program's log, /tmp/zarvoca.log: free-form lines, each flushed at once.
+#include <cstdio>
+
+extern FILE* logfile;  // open from start-up until exit; null when it could not be opened
+
+// Opens the log for appending with mode 0666. Returns false when it cannot be opened;
+// the program then runs without a log.
+bool log_open();
+void log_printf(const char* format, ...) __attribute__((format(printf, 1, 2)));
+void log_close();

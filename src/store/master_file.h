@@ -1,0 +1,22 @@
+#pragma once
+// The master connection list file: a four-line header, then 35 lines per connection.
+#include "store/record.h"
+
+#include <cstdio>
+
+inline constexpr const char* master_file_path = "/etc/.kestrel/kestrel.master";
+
+// Loads the file at path into store, keeping the rows sorted by name without regard
+// to case. The only caller passes 35 lines per record.
+void make_connection_list(GtkListStore* store, const char* path, int lines_per_record);
+
+// The pair of open files a save writes: the master file, then appsrv.ini.
+struct master_save_files {
+    FILE* master;
+    FILE* appsrv;
+};
+// Writes one row's 35 lines (and an ICA row's appsrv.ini section); stops the walk on
+// a stream error.
+gboolean file_master_connection(GtkTreeModel* model, GtkTreePath* path, GtkTreeIter* iter,
+                                gpointer files);
+void write_master_header(FILE* file);

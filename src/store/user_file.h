@@ -1,0 +1,17 @@
+#pragma once
+// The user connection tree file, kestrel.inf in each user's home directory.
+#include "store/record.h"
+
+#include <cstdio>
+#include <string>
+
+inline constexpr const char* user_file_name = "/kestrel.inf";
+
+// Appends the rows of the file at path to tree, keeping only rows that name a
+// connection of the master list.
+void make_connection_tree(GtkTreeStore* tree, const char* path, int lines_per_row);
+// Writes selected_user_connection_tree to the named user's file, then reloads
+// current_user_connection_tree from the running user's own file.
+void save_user_connections(GtkWidget* ignored, const char* user_name);
+gboolean file_user_connection(GtkTreeModel* model, GtkTreePath* path, GtkTreeIter* iter,
+                              gpointer stream);

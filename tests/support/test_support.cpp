@@ -1,0 +1,86 @@
+#include "support/test_support.h"
+
+#include "platform/message.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+
+temp_dir::temp_dir()
+{
+    std::string pattern = (std::filesystem::temp_directory_path() / "kestrelle-test-XXXXXX").string();
+    if (!mkdtemp(pattern.data()))
+        throw std::runtime_error("mkdtemp failed");
+    path_ = pattern;
+}
+
+temp_dir::~temp_dir()
+{
+    std::error_code ignored;
+    std::filesystem::permissions(path_, std::filesystem::perms::owner_all,
+                                 std::filesystem::perm_options::add, ignored);
+    std::filesystem::remove_all(path_, ignored);
+}
+
+scoped_root::scoped_root(const std::string& root)
+{
+    const char* old = std::getenv("KESTRELLE_ROOT");
+    had_old_ = old != nullptr;
+    old_ = old ? old : "";
+    setenv("KESTRELLE_ROOT", root.c_str(), 1);
+}
+
+scoped_root::~scoped_root()
+{
+    if (had_old_)
+        setenv("KESTRELLE_ROOT", old_.c_str(), 1);
+    else
+        unsetenv("KESTRELLE_ROOT");
+}
+
+void write_file(const std::string& path, const std::string& contents)
+{
+    std::filesystem::create_directories(std::filesystem::path(path).parent_path());
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    out << contents;
+}
+
+std::string read_file_text(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+void make_dirs(const std::string& path) { std::filesystem::create_directories(path); }
+
+namespace {
+message_recorder* active_recorder = nullptr;
+
+void record_text(const std::string& text)
+{
+    if (active_recorder)
+        active_recorder->label = text;
+}
+
+void record_run()
+{
+    if (active_recorder)
+        active_recorder->shown.push_back(active_recorder->label);
+}
+}  // namespace
+
+message_recorder::message_recorder()
+{
+    active_recorder = this;
+    set_message_handlers({record_text, record_run});
+}
+
+message_recorder::~message_recorder()
+{
+    active_recorder = nullptr;
+    set_message_handlers({[](const std::string&) {}, [] {}});
+}

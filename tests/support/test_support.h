@@ -1,0 +1,45 @@
+#pragma once
+// Helpers shared by the tests: a private temporary folder, file contents, and a
+// recorder for the messages the program would show in its error dialog.
+#include <string>
+#include <vector>
+
+// A fresh folder, removed with its contents when the object goes.
+class temp_dir {
+public:
+    temp_dir();
+    ~temp_dir();
+    temp_dir(const temp_dir&) = delete;
+    temp_dir& operator=(const temp_dir&) = delete;
+    const std::string& path() const { return path_; }
+    std::string operator/(const std::string& name) const { return path_ + "/" + name; }
+
+private:
+    std::string path_;
+};
+
+// Sets KESTRELLE_ROOT for the life of the object (and restores the old value).
+class scoped_root {
+public:
+    explicit scoped_root(const std::string& root);
+    ~scoped_root();
+
+private:
+    std::string old_;
+    bool had_old_;
+};
+
+void write_file(const std::string& path, const std::string& contents);
+std::string read_file_text(const std::string& path);
+void make_dirs(const std::string& path);
+
+// Records every text shown through the error dialog while it lives.
+class message_recorder {
+public:
+    message_recorder();
+    ~message_recorder();
+    // Texts shown (set and run), in order.
+    std::vector<std::string> shown;
+    // The last text set, shown or not.
+    std::string label;
+};
