@@ -4,13 +4,14 @@
 
 bool line_reader::read()
 {
-    std::array<char, line_buffer_size> next{};
-    if (!std::fgets(next.data(), line_buffer_size, file_))
+    // A failed read must leave the buffer as it was, so read into a copy first.
+    std::vector<char> next(buffer_.size(), '\0');
+    if (!std::fgets(next.data(), static_cast<int>(next.size()), file_))
         return false;
-    buffer_ = next;
+    buffer_.swap(next);
     size_t length = std::strlen(buffer_.data());
     bool complete = length > 0 && buffer_[length - 1] == '\n';
-    if (!complete && length == line_buffer_size - 1)
+    if (!complete && length == buffer_.size() - 1)
         skip_rest_of_line();
     return true;
 }

@@ -2,9 +2,9 @@
 // The one line reader of every text file the program reads. Lines come in through a
 // buffer of 102 bytes (at most 101 characters); what happens to the rest of a longer
 // line depends on the file.
-#include <array>
 #include <cstdio>
 #include <string>
+#include <vector>
 
 inline constexpr int line_buffer_size = 102;
 
@@ -20,7 +20,11 @@ enum class long_line {
 
 class line_reader {
 public:
-    line_reader(FILE* file, long_line mode) : file_(file), mode_(mode) {}
+    // capacity is the buffer size: a line comes in as at most capacity - 1 characters.
+    line_reader(FILE* file, long_line mode, int capacity = line_buffer_size)
+        : file_(file), mode_(mode), buffer_(capacity, '\0')
+    {
+    }
 
     // Reads the next line into the buffer, line end included when it fits. At the end
     // of the file it returns false and the buffer keeps what it held before.
@@ -42,6 +46,6 @@ private:
 
     FILE* file_;
     long_line mode_;
-    std::array<char, line_buffer_size> buffer_{};
+    std::vector<char> buffer_;
     int last_skipped_ = 0;  // last character read by a skip; '\n' disables later skips
 };
