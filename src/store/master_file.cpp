@@ -1,0 +1,164 @@
+#include "store/master_file.h"
+
+#include "platform/line_reader.h"
+#include "platform/message.h"
+#include "shell/globals.h"
+#include "store/appsrv.h"
+
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
+namespace {
+
+constexpr const char* version_line = "Version 1.000\n";
+constexpr const char* show_gui_line = "Show GUI\n";
+constexpr const char* ping_text = "Standard echo";
+constexpr const char* no_ping_text = "Don't ping";
+
+bool name_less(const std::string& row_name, const char* new_name)
+{
+    return g_ascii_strcasecmp(row_name.c_str(), new_name) < 0;
+}
+
+// Where each new record goes. A record is inserted before the first row whose name is
+// not less than its own name, compared without regard to case and with the new name
+// still carrying its line end, so that equal names keep their file order. The names
+// are mirrored here so that a sorted list is searched by bisection; a list that is not
+// sorted (a hand-edited file with control characters in names) is walked row by row,
+// which gives the same places.
+class insertion_order {
+public:
+    explicit insertion_order(GtkTreeModel* existing)
+    {
+        GtkTreeIter iter;
+        for (bool more = gtk_tree_model_get_iter_first(existing, &iter); more;
+             more = gtk_tree_model_iter_next(existing, &iter)) {
+            names_.push_back(model_text(existing, &iter, MC_NAME));
+            order_.push_back(-1);
+        }
+        for (size_t i = 1; i < order_.size() && sorted_; ++i)
+            sorted_ = !name_after(i - 1, i);
+    }
+
+    // Places new record number `record` whose raw name line is key and stored name is name.
+    void place(int record, const char* key, std::string name)
+    {
+        size_t at = sorted_ ? bisect(key) : walk(key);
+        names_.insert(names_.begin() + at, std::move(name));
+        order_.insert(order_.begin() + at, record);
+        if (sorted_)
+            sorted_ = !(at > 0 && name_after(at - 1, at)) &&
+                      !(at + 1 < names_.size() && name_after(at, at + 1));
+    }
+
+    // Final order: -1 for a row that was in the store before, else the record number.
+    const std::vector<int>& order() const { return order_; }
+
+private:
+    bool name_after(size_t a, size_t b) const
+    {
+        return g_ascii_strcasecmp(names_[a].c_str(), names_[b].c_str()) > 0;
+    }
+    size_t bisect(const char* key) const
+    {
+        auto it = std::partition_point(names_.begin(), names_.end(),
+                                       [key](const std::string& n) { return name_less(n, key); });
+        return it - names_.begin();
+    }
+    size_t walk(const char* key) const
+    {
+        size_t at = 0;
+        while (at < names_.size() && name_less(names_[at], key))
+            ++at;
+        return at;
+    }
+
+    std::vector<std::string> names_;
+    std::vector<int> order_;
+    bool sorted_ = true;
+};
+
+connection_record read_record(line_reader& reader, int lines_per_record)
+{
+    connection_record record;
+    record.col[MC_NAME] = reader.text();
+    int last = std::min(lines_per_record, master_file_columns) - 1;
+    for (int c = 1; c <= last; ++c) {
+        // A record cut short by the end of the file keeps what the buffer held.
+        reader.read_chopped();
+        if (c == MC_PING)
+            record.ping_first = std::strcmp(reader.c_str(), ping_text) == 0;
+        else
+            record.col[c] = reader.text();
+    }
+    record.from_file = true;
+    return record;
+}
+
+void insert_in_order(GtkListStore* store, const insertion_order& places,
+                     const std::vector<connection_record>& records)
+{
+    const std::vector<int>& order = places.order();
+    for (size_t at = 0; at < order.size(); ++at)
+        if (order[at] >= 0)
+            insert_master_row(store, static_cast<int>(at), records[order[at]]);
+}
+
+}  // namespace
+
+void make_connection_list(GtkListStore* store, const char* path, int lines_per_record)
+{
+    FILE* file = std::fopen(path, "re");
+    if (!file)
+        return;
+    line_reader reader(file, long_line::skip_once);
+    if (reader.read() && std::strcmp(reader.c_str(), version_line) != 0) {
+        show_error("\nMaster connection list version miscompare.\n");
+        std::fclose(file);
+        return;
+    }
+    show_gui = TRUE;
+    if (reader.read() && std::strcmp(reader.c_str(), show_gui_line) != 0)
+        show_gui = FALSE;
+    reader.read();  // taskbar and kiosk lines: the options file is the authority for those
+    reader.read();
+
+    insertion_order places(GTK_TREE_MODEL(store));
+    std::vector<connection_record> records;
+    while (reader.read()) {
+        std::string key = reader.text();
+        reader.drop_last_char();
+        records.push_back(read_record(reader, lines_per_record));
+        places.place(static_cast<int>(records.size()) - 1, key.c_str(), records.back()[MC_NAME]);
+    }
+    std::fclose(file);
+    insert_in_order(store, places, records);
+}
+
+void write_master_header(FILE* file)
+{
+    std::fputs(version_line, file);
+    std::fputs(show_gui ? "Show GUI\n" : "Don't show GUI\n", file);
+    std::fputs(show_taskbar ? "Show taskbar\n" : "Don't show taskbar\n", file);
+    std::fputs(kiosk_mode ? "Kiosk\n" : "Not kiosk\n", file);
+}
+
+gboolean file_master_connection(GtkTreeModel* model, GtkTreePath*, GtkTreeIter* iter,
+                                gpointer files)
+{
+    auto* streams = static_cast<master_save_files*>(files);
+    connection_record record = read_master_row(model, iter);
+    for (int c = 0; c < master_file_columns; ++c) {
+        const char* text = c == MC_PING ? (record.ping_first ? ping_text : no_ping_text)
+                                         : record.col[c].c_str();
+        std::fputs(text, streams->master);
+        std::fputc('\n', streams->master);
+    }
+    if (std::ferror(streams->master))
+        return TRUE;
+    if (parse_connection_type(record[MC_TYPE]) != connection_type::ica)
+        return FALSE;
+    std::fputs(ica_section(record).c_str(), streams->appsrv);
+    return std::ferror(streams->appsrv) ? TRUE : FALSE;
+}

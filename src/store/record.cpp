@@ -68,24 +68,47 @@ connection_record read_master_row(GtkTreeModel* model, GtkTreeIter* iter)
     return record;
 }
 
-void write_master_row(GtkListStore* store, GtkTreeIter* iter, const connection_record& record)
-{
+namespace {
+
+// The values of a record, ready for the store's multi-column setters.
+struct master_values {
     gint columns[MC_COUNT];
     GValue values[MC_COUNT];
-    for (int c = 0; c < MC_COUNT; ++c) {
-        columns[c] = c;
-        values[c] = G_VALUE_INIT;
-        if (is_master_flag(c)) {
-            g_value_init(&values[c], G_TYPE_BOOLEAN);
-            g_value_set_boolean(&values[c], c == MC_PING ? record.ping_first : record.from_file);
-        } else {
-            g_value_init(&values[c], G_TYPE_STRING);
-            g_value_set_static_string(&values[c], record.col[c].c_str());
+
+    explicit master_values(const connection_record& record)
+    {
+        for (int c = 0; c < MC_COUNT; ++c) {
+            columns[c] = c;
+            values[c] = G_VALUE_INIT;
+            if (is_master_flag(c)) {
+                g_value_init(&values[c], G_TYPE_BOOLEAN);
+                g_value_set_boolean(&values[c], c == MC_PING ? record.ping_first : record.from_file);
+            } else {
+                g_value_init(&values[c], G_TYPE_STRING);
+                g_value_set_static_string(&values[c], record.col[c].c_str());
+            }
         }
     }
-    gtk_list_store_set_valuesv(store, iter, columns, values, MC_COUNT);
-    for (GValue& value : values)
-        g_value_unset(&value);
+    ~master_values()
+    {
+        for (GValue& value : values)
+            g_value_unset(&value);
+    }
+};
+
+}  // namespace
+
+void write_master_row(GtkListStore* store, GtkTreeIter* iter, const connection_record& record)
+{
+    master_values row(record);
+    gtk_list_store_set_valuesv(store, iter, row.columns, row.values, MC_COUNT);
+}
+
+void insert_master_row(GtkListStore* store, int position, const connection_record& record)
+{
+    master_values row(record);
+    GtkTreeIter iter;
+    gtk_list_store_insert_with_valuesv(store, &iter, position, row.columns, row.values, MC_COUNT);
 }
 
 tree_row read_tree_row(GtkTreeModel* model, GtkTreeIter* iter)

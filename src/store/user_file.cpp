@@ -1,0 +1,165 @@
+#include "store/user_file.h"
+
+#include "platform/line_reader.h"
+#include "platform/message.h"
+#include "platform/users.h"
+#include "shell/globals.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+#include <unordered_set>
+
+namespace {
+
+constexpr const char* true_text = "TRUE";
+constexpr const char* false_text = "FALSE";
+constexpr int current_lines_per_row = 6;
+
+// The (name, type) pairs of the master list, so that every row of a user file is
+// checked in constant time rather than by a walk over the whole list.
+class master_index {
+public:
+    explicit master_index(GtkListStore* list)
+    {
+        if (!list)
+            return;
+        GtkTreeModel* model = GTK_TREE_MODEL(list);
+        GtkTreeIter iter;
+        for (bool more = gtk_tree_model_get_iter_first(model, &iter); more;
+             more = gtk_tree_model_iter_next(model, &iter))
+            pairs_.insert(key(model_text(model, &iter, MC_NAME), model_text(model, &iter, MC_TYPE)));
+    }
+    bool contains(const std::string& name, const std::string& type) const
+    {
+        return pairs_.count(key(name, type)) > 0;
+    }
+
+private:
+    static std::string key(const std::string& name, const std::string& type)
+    {
+        return name + '\0' + type;
+    }
+    std::unordered_set<std::string> pairs_;
+};
+
+// A flag line: anything but "TRUE" (a hand-edited or truncated file) counts as FALSE,
+// so that nobody's session is started or kept alive without having been flagged.
+bool flag_line(const line_reader& reader) { return std::strcmp(reader.c_str(), true_text) == 0; }
+
+tree_row read_row(line_reader& reader, int lines_per_row)
+{
+    tree_row row;
+    row.primary = flag_line(reader);
+    int last = std::min(lines_per_row, current_lines_per_row) - 1;
+    for (int c = 1; c <= last; ++c) {
+        reader.read_chopped();
+        switch (c) {
+        case TC_NAME: row.name = reader.text(); break;  // always text: a name may be "TRUE"
+        case TC_TYPE: row.type = reader.text(); break;
+        case TC_AUTOMATIC: row.automatic = flag_line(reader); break;
+        case TC_PERSISTENT: row.persistent = flag_line(reader); break;
+        case TC_PROMPT: row.prompt = flag_line(reader); break;
+        }
+    }
+    return row;
+}
+
+void append_row(GtkTreeStore* tree, GtkTreeIter* parent, const tree_row& row, GtkTreeIter* added)
+{
+    gtk_tree_store_insert_with_values(
+        tree, added, parent, -1, TC_PRIMARY, row.primary, TC_NAME, row.name.c_str(), TC_TYPE,
+        row.type.c_str(), TC_AUTOMATIC, row.automatic, TC_PERSISTENT, row.persistent, TC_PROMPT,
+        row.prompt, TC_PID, row.pid.c_str(), TC_STATUS, row.status.c_str(), TC_POLLS, row.polls, -1);
+}
+
+void write_flag(FILE* stream, bool value)
+{
+    std::fputs(value ? true_text : false_text, stream);
+    std::fputc('\n', stream);
+}
+
+void write_text(FILE* stream, const std::string& text)
+{
+    std::fputs(text.c_str(), stream);
+    std::fputc('\n', stream);
+}
+
+}  // namespace
+
+void make_connection_tree(GtkTreeStore* tree, const char* path, int lines_per_row)
+{
+    FILE* file = std::fopen(path, "re");
+    if (!file)
+        return;
+    line_reader reader(file, long_line::skip_once);
+    if (!reader.read()) {
+        std::fclose(file);
+        return;
+    }
+    // A file without a version line is of the older format: no Prompt line per row.
+    bool old_format = std::strstr(reader.c_str(), "Version") == nullptr;
+    if (old_format) {
+        --lines_per_row;
+        std::rewind(file);
+    }
+
+    master_index master(master_connection_list);
+    bool needs_parent = true;
+    GtkTreeIter parent;
+    while (reader.read_chopped()) {
+        bool starts_primary = flag_line(reader);
+        tree_row row = read_row(reader, lines_per_row);
+        if (old_format)
+            row.prompt = false;
+        // A secondary row with no primary before it is promoted. A row naming no master
+        // connection is dropped, and the row after it then has to start a new primary.
+        if (needs_parent)
+            row.primary = true;
+        bool top_level = starts_primary || needs_parent;
+        needs_parent = !master.contains(row.name, row.type);
+        if (needs_parent)
+            continue;
+        GtkTreeIter added;
+        append_row(tree, top_level ? nullptr : &parent, row, &added);
+        if (top_level)
+            parent = added;
+    }
+    std::fclose(file);
+}
+
+gboolean file_user_connection(GtkTreeModel* model, GtkTreePath*, GtkTreeIter* iter, gpointer stream)
+{
+    auto* file = static_cast<FILE*>(stream);
+    tree_row row = read_tree_row(model, iter);
+    write_flag(file, row.primary);
+    write_text(file, row.name);
+    write_text(file, row.type);
+    write_flag(file, row.automatic);
+    write_flag(file, row.persistent);
+    write_flag(file, row.prompt);
+    return std::ferror(file) ? TRUE : FALSE;
+}
+
+void save_user_connections(GtkWidget*, const char* user_name)
+{
+    std::optional<user_entry> user = user_by_name(user_name ? user_name : "");
+    FILE* file = user ? std::fopen((user->home + user_file_name).c_str(), "we") : nullptr;
+    if (!file) {
+        show_error("\nCouldn't open user connection tree for writing.\n");
+        return;
+    }
+    std::fputs("Version 1.000\n", file);
+    gtk_tree_model_foreach(GTK_TREE_MODEL(selected_user_connection_tree), file_user_connection, file);
+    // Flush before the test: a full disk shows only when the buffer is written.
+    std::fflush(file);
+    if (std::ferror(file)) {
+        std::fclose(file);
+        show_error("\nError writing user connection tree.\n");
+        return;
+    }
+    std::fclose(file);
+    gtk_tree_store_clear(current_user_connection_tree);
+    make_connection_tree(current_user_connection_tree, current_user_filename.c_str(),
+                         current_lines_per_row);
+}

@@ -1,0 +1,75 @@
+#pragma once
+// Shared set-up of the store tests: a private root with the program's directories,
+// fresh models in the globals, and a recorder for messages.
+#include "shell/globals.h"
+#include "store/record.h"
+#include "support/test_support.h"
+
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+class store_test : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        make_dirs(root / "etc/.kestrel");
+        make_dirs(root / "tmp/.kestrel");
+        make_dirs(root / "home/ann");
+        write_file(root / "etc/passwd", "ann:x:1000:1000::/home/ann:/bin/sh\n");
+        tmp_dir = root / "tmp/.kestrel";
+        ica_dir = root / "etc/.kestrel";
+        current_user_filename = root / "home/ann/kestrel.inf";
+        show_gui = 1;
+        show_taskbar = 0;
+        kiosk_mode = 0;
+        master_connection_list = create_master_store();
+        current_user_connection_tree = create_user_tree_store();
+        selected_user_connection_tree = create_user_tree_store();
+    }
+    void TearDown() override
+    {
+        g_object_unref(master_connection_list);
+        g_object_unref(current_user_connection_tree);
+        g_object_unref(selected_user_connection_tree);
+        master_connection_list = nullptr;
+    }
+
+    // A master record of 35 lines: name, type, ping text, then columns 3 to 34 as given
+    // (missing ones empty).
+    static std::string record_lines(const std::string& name, const std::string& type,
+                                    const std::string& ping = "Don't ping",
+                                    std::vector<std::string> rest = {})
+    {
+        rest.resize(32);
+        std::string text = name + "\n" + type + "\n" + ping + "\n";
+        for (const std::string& value : rest)
+            text += value + "\n";
+        return text;
+    }
+    static std::string header(const std::string& gui = "Show GUI")
+    {
+        return "Version 1.000\n" + gui + "\nDon't show taskbar\nNot kiosk\n";
+    }
+    std::vector<std::string> master_names_and_types() const
+    {
+        std::vector<std::string> rows;
+        GtkTreeModel* model = GTK_TREE_MODEL(master_connection_list);
+        GtkTreeIter iter;
+        for (bool more = gtk_tree_model_get_iter_first(model, &iter); more;
+             more = gtk_tree_model_iter_next(model, &iter))
+            rows.push_back(model_text(model, &iter, MC_NAME) + "/" + model_text(model, &iter, MC_TYPE));
+        return rows;
+    }
+    void add_master(const std::string& name, const std::string& type)
+    {
+        connection_record record;
+        record[MC_NAME] = name;
+        record[MC_TYPE] = type;
+        insert_master_row(master_connection_list, -1, record);
+    }
+
+    temp_dir root;
+    scoped_root rooted{root.path()};
+    message_recorder messages;
+};
