@@ -1,0 +1,72 @@
+#include "platform/log.h"
+#include "platform/message.h"
+#include "platform/paths.h"
+#include "platform/users.h"
+
+#include "support/test_support.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+namespace {
+
+TEST(root_prefix, moves_every_path_but_devices)
+{
+    {
+        scoped_root root("/sandbox");
+        EXPECT_EQ(root_path("/etc/.kestrel/kestrel.master"), "/sandbox/etc/.kestrel/kestrel.master");
+        EXPECT_EQ(root_path("/dev/null"), "/dev/null");
+    }
+    scoped_root empty("");
+    EXPECT_EQ(root_path("/tmp/zarvoca.log"), "/tmp/zarvoca.log");
+}
+
+TEST(users, private_databases_under_the_root)
+{
+    temp_dir root;
+    scoped_root rooted(root.path());
+    write_file(root / "etc/passwd",
+               "root:x:0:0:root:/root:/bin/sh\nann:x:1000:1000:Ann:/home/ann:/bin/sh\n"
+               "bob:x:1001:0::/home/bob:/bin/sh\n");
+    write_file(root / "etc/group", "root:x:0:bob\nshutdown:x:70:ann,carl\nreboot:x:71:\nann:x:1000:\n");
+    std::optional<user_entry> ann = user_by_uid(1000);
+    ASSERT_TRUE(ann);
+    EXPECT_EQ(ann->name, "ann");
+    EXPECT_EQ(ann->home, root.path() + "/home/ann");
+    EXPECT_EQ(user_by_name("bob")->gid, 0u);
+    EXPECT_FALSE(user_by_name("carl"));
+    EXPECT_EQ(all_users().size(), 3u);
+    EXPECT_TRUE(group_lists_member("shutdown", "ann"));
+    EXPECT_TRUE(group_lists_member("root", "bob"));
+    EXPECT_FALSE(group_lists_member("ann", "ann")) << "membership through the primary group does not count";
+    EXPECT_FALSE(group_lists_member("reboot", "ann"));
+    EXPECT_FALSE(group_lists_member("turnoff", "ann")) << "a missing group has no members";
+}
+
+TEST(log, appends_flushed_lines_readable_by_everyone)
+{
+    temp_dir root;
+    scoped_root rooted(root.path());
+    make_dirs(root / "tmp");
+    write_file(root / "tmp/zarvoca.log", "old\n");
+    ASSERT_TRUE(log_open());
+    log_printf("Ping exit code %x\n", 256);
+    EXPECT_EQ(read_file_text(root / "tmp/zarvoca.log"), "old\nPing exit code 100\n");
+    log_close();
+    struct stat st;
+    ASSERT_EQ(stat((root / "tmp/zarvoca.log").c_str(), &st), 0);
+    EXPECT_EQ(st.st_mode & 0777, 0666u);
+    log_printf("dropped when closed\n");
+}
+
+TEST(message_seam, label_text_is_kept_for_a_later_run)
+{
+    message_recorder messages;
+    set_error_text("\nCitrix ICA configuration error, ICAROOT not set.\n");
+    EXPECT_TRUE(messages.shown.empty());
+    run_error_dialog();
+    show_error("\nSecond.\n");
+    EXPECT_EQ(messages.shown, (std::vector<std::string>{
+                                  "\nCitrix ICA configuration error, ICAROOT not set.\n", "\nSecond.\n"}));
+}
+}  // namespace
