@@ -5,10 +5,9 @@
 bool line_reader::read()
 {
     // A failed read must leave the buffer as it was, so read into a copy first.
-    std::vector<char> next(buffer_.size(), '\0');
-    if (!std::fgets(next.data(), static_cast<int>(next.size()), file_))
+    if (!std::fgets(spare_.data(), static_cast<int>(spare_.size()), file_))
         return false;
-    buffer_.swap(next);
+    buffer_.swap(spare_);
     size_t length = std::strlen(buffer_.data());
     bool complete = length > 0 && buffer_[length - 1] == '\n';
     if (!complete && length == buffer_.size() - 1)

@@ -22,7 +22,7 @@ class line_reader {
 public:
     // capacity is the buffer size: a line comes in as at most capacity - 1 characters.
     line_reader(FILE* file, long_line mode, int capacity = line_buffer_size)
-        : file_(file), mode_(mode), buffer_(capacity, '\0')
+        : file_(file), mode_(mode), buffer_(capacity, '\0'), spare_(capacity, '\0')
     {
     }
 
@@ -47,5 +47,6 @@ private:
     FILE* file_;
     long_line mode_;
     std::vector<char> buffer_;
+    std::vector<char> spare_;  // the next read goes here first
     int last_skipped_ = 0;  // last character read by a skip; '\n' disables later skips
 };
