@@ -108,6 +108,27 @@ std::string last_existing(std::initializer_list<const char*> candidates, std::st
     return chosen;
 }
 
+void load_connections()
+{
+    master_connection_list = create_master_store();
+    make_connection_list(master_connection_list, root_path(master_file_path).c_str(),
+                         master_lines_per_record);
+    current_user_connection_tree = create_user_tree_store();
+    make_connection_tree(current_user_connection_tree, current_user_filename.c_str(), user_lines_per_row);
+    selected_user_connection_tree = create_user_tree_store();
+    make_connection_tree(selected_user_connection_tree, current_user_filename.c_str(), user_lines_per_row);
+}
+
+void create_admin_directories()
+{
+    ensure_directory(ica_dir, "\nCouldn't create ICA support directory.\n", 2);
+    // Both tests name the same directory today; the second stays for when the Citrix
+    // files move elsewhere.
+    ensure_directory(root_path("/etc/.kestrel"), "\nCouldn't create Kestrelle directory.\n", 3);
+}
+
+}  // namespace
+
 void find_citrix_client()
 {
     if (const char* root = std::getenv("ICAROOT")) {
@@ -135,27 +156,6 @@ void find_programs()
     firefox = path_exists(root_path("/usr/bin/firefox")) || path_exists(root_path("/opt/firefox/firefox"));
     das = path_exists(root_path("/opt/zarvo/marrow"));
 }
-
-void load_connections()
-{
-    master_connection_list = create_master_store();
-    make_connection_list(master_connection_list, root_path(master_file_path).c_str(),
-                         master_lines_per_record);
-    current_user_connection_tree = create_user_tree_store();
-    make_connection_tree(current_user_connection_tree, current_user_filename.c_str(), user_lines_per_row);
-    selected_user_connection_tree = create_user_tree_store();
-    make_connection_tree(selected_user_connection_tree, current_user_filename.c_str(), user_lines_per_row);
-}
-
-void create_admin_directories()
-{
-    ensure_directory(ica_dir, "\nCouldn't create ICA support directory.\n", 2);
-    // Both tests name the same directory today; the second stays for when the Citrix
-    // files move elsewhere.
-    ensure_directory(root_path("/etc/.kestrel"), "\nCouldn't create Kestrelle directory.\n", 3);
-}
-
-}  // namespace
 
 user_rights rights_of(const std::string& user, gid_t primary_group)
 {
