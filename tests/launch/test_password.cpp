@@ -115,7 +115,8 @@ TEST_F(password_test, encoding_takes_its_seed_from_the_clock)
 {
     std::string data = "abc";
     char out[32];
-    ASSERT_EQ(EncryptToAscii(reinterpret_cast<unsigned char*>(data.data()), 3, out, sizeof out), 12);
+    auto* bytes = reinterpret_cast<unsigned char*>(data.data());
+    ASSERT_EQ(EncryptToAscii(bytes, 3, out, sizeof out), 12);
     EXPECT_EQ(std::string(out, 4), "0004");
     EXPECT_NE(std::string(out + 4, 2), "00");
 }

@@ -216,7 +216,8 @@ TEST_F(appsrv_test, window_size_and_program_keys)
         {{{MC_ICA_MASK, "2"}, {MC_SERVER, ""}, {MC_PROGRAM, "x.exe"}}, "No\nAddress=\n"},
         {{{MC_ICA_MASK, "2048"}}, "No\nAddress=citrix1\n"},
         {{{MC_WINDOW_SIZE, "50%x"}}, "No\nScreenPercent=50\nAddress=citrix1\n"},
-        {{{MC_WINDOW_SIZE, "800x600x2"}}, "No\nDesiredHRES=800\nDesiredVRES=600x2\nAddress=citrix1\n"},
+        {{{MC_WINDOW_SIZE, "800x600x2"}},
+         "No\nDesiredHRES=800\nDesiredVRES=600x2\nAddress=citrix1\n"},
         {{{MC_WINDOW_SIZE, digits + "%"}}, "No\nScreenPercent=" + digits + "\nAddress=citrix1\n"},
         // "%" and "x" beyond the first 102 bytes are not seen.
         {{{MC_WINDOW_SIZE, digits + "7%x"}}, "No\nAddress=citrix1\n"},
