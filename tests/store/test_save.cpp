@@ -21,6 +21,7 @@ protected:
         connection_record record;
         record[MC_NAME] = name;
         record[MC_TYPE] = "Web";
+        record.ping_first = true;
         record[MC_PING_PORT] = "80";
         record[MC_PING_VALID] = "1";
         record[MC_SERVER] = "http://intranet/";
@@ -48,11 +49,7 @@ TEST_F(save_test, rows_are_written_35_lines_each_after_a_backup)
 {
     save_master_connections();
     std::string before = master_text();
-    connection_record intranet;
     add_web("Intranet");
-    GtkTreeIter iter;
-    gtk_tree_model_get_iter_first(GTK_TREE_MODEL(master_connection_list), &iter);
-    gtk_list_store_set(master_connection_list, &iter, MC_PING, TRUE, -1);
     show_taskbar = 1;
     save_master_connections();
     EXPECT_EQ(master_text(), "Version 1.000\nShow GUI\nShow taskbar\nNot kiosk\nIntranet\n" + web_record);
@@ -89,7 +86,10 @@ TEST_F(save_test, open_failures_restore_the_backup)
     ica_dir = root / "no-such-dir";
     save_master_connections();
     EXPECT_EQ(master_text(), before);
+    ica_dir = root / "etc/.kestrel";
+    save_master_connections();
 
+    // Without its directory the master file can be neither written nor restored.
     std::filesystem::remove_all(root / "etc/.kestrel");
     save_master_connections();
     std::filesystem::remove(root / "tmp/.kestrel/kestrel.bak");
@@ -141,9 +141,9 @@ std::string in_small_file_system(const std::string& root, const std::string& siz
 
 TEST_F(save_test, a_full_disk_restores_the_backup)
 {
-    for (int i = 0; i < 600; ++i)
+    for (int i = 0; i < 2000; ++i)
         add_web("Site" + std::to_string(i));
-    std::string report = in_small_file_system(root.path(), "64k", [this] {
+    std::string report = in_small_file_system(root.path(), "32k", [this] {
         make_dirs(root / "etc/.kestrel");
         make_dirs(root / "tmp/.kestrel");
         write_file(root / "etc/.kestrel/kestrel.master", header());
