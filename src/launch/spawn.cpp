@@ -1,0 +1,159 @@
+#include "launch/spawn.h"
+
+#include "launch/command_line.h"
+#include "launch/reachability.h"
+#include "platform/log.h"
+#include "platform/shell_command.h"
+#include "shell/globals.h"
+#include "store/record.h"
+
+#include <csignal>
+#include <cstdio>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <utility>
+
+namespace {
+
+// Matches no connection type: a connection whose server did not answer starts nothing.
+constexpr const char* unreachable_type = "XXX";
+
+// The process id as kept in the tree: five digits, the last five of a longer id.
+constexpr int pid_modulus = 100000;
+
+void mark_active(GtkTreeModel* model, GtkTreeIter* iter, pid_t pid)
+{
+    char pid_text[8];
+    std::snprintf(pid_text, sizeof pid_text, "%05d", static_cast<int>(pid % pid_modulus));
+    gtk_tree_store_set(GTK_TREE_STORE(model), iter, TC_PID, pid_text, TC_STATUS, status_active,
+                       TC_POLLS, 0, -1);
+}
+
+// The parent's handlers for the termination signals only tell its main loop to exit;
+// the child has no main loop, so it takes the default action again.
+void restore_default_signals()
+{
+    for (int signal_number : {SIGTERM, SIGHUP, SIGQUIT, SIGINT})
+        std::signal(signal_number, SIG_DFL);
+}
+
+// Runs a command line with shell quoting but no shell, waiting until it ends.
+void run_and_wait(const std::string& command_line)
+{
+    GError* error = nullptr;
+    g_spawn_command_line_sync(command_line.c_str(), nullptr, nullptr, nullptr, &error);
+    if (error)
+        g_error_free(error);
+}
+
+// Replaces the child with the program named by arguments[0], searched for in PATH.
+// Returns only when that fails.
+void exec_searched(argument_vector arguments)
+{
+    std::vector<char*> argv;
+    for (std::string& argument : arguments)
+        argv.push_back(argument.data());
+    argv.push_back(nullptr);
+    execvp(argv[0], argv.data());
+}
+
+void exec_xdm(const connection_record& record)
+{
+    std::string keymap_command;
+    argument_vector arguments = xdm_arguments(record, &keymap_command);
+    // Its result is not checked: X reports a missing map itself.
+    if (!keymap_command.empty())
+        run_shell_command(keymap_command);
+    exec_searched(std::move(arguments));
+}
+
+// The DAS client is given an empty argument vector, not even its own name: it has
+// always been started that way and is kept so.
+void exec_das()
+{
+    char* no_arguments[] = {nullptr};
+    execv(das_program().c_str(), no_arguments);
+}
+
+// Starts the session; returns when it could not be started or, for the types that
+// wait for it, when it has ended.
+void run_session(const connection_record& record, const std::string& type)
+{
+    switch (parse_connection_type(type)) {
+    case connection_type::rdp:
+        run_and_wait(rdp_command_line(rdp_arguments(record)));
+        break;
+    case connection_type::ica:
+        exec_searched(ica_arguments(record));
+        break;
+    case connection_type::xdm:
+        exec_xdm(record);
+        break;
+    case connection_type::web:
+        exec_searched(web_arguments(record));
+        break;
+    case connection_type::das:
+        exec_das();
+        break;
+    case connection_type::other:
+        run_and_wait(other_command_line(record));
+        break;
+    case connection_type::unknown:
+        break;
+    }
+}
+
+// The child's work; returns its exit status unless the session program replaced it.
+int run_child(GtkTreeModel* model, GtkTreeIter* iter)
+{
+    const std::string name = model_text(model, iter, TC_NAME);
+    std::string type = model_text(model, iter, TC_TYPE);
+    GtkTreeIter master;
+    if (!master_connection_list || !find_master_row(master_connection_list, name, type, &master))
+        return exit_connection_gone;
+    const connection_record record =
+        read_master_row(GTK_TREE_MODEL(master_connection_list), &master);
+    const int result = run_reachability_check(plan_reachability(record));
+    if (result != 0) {
+        log_printf("Ping exit code %x\n", static_cast<unsigned>(result));
+        type = unreachable_type;
+    }
+    run_session(record, type);
+    return exit_session_over;
+}
+
+}  // namespace
+
+int spawn_connection(GtkTreeModel* model, GtkTreeIter* iter)
+{
+    if (model_text(model, iter, TC_STATUS) == status_active)
+        return 0;
+    // Output still buffered in our streams would otherwise be written by the child too.
+    std::fflush(nullptr);
+    const pid_t pid = fork();
+    if (pid < 0) {
+        std::perror("Process fork failed.\n");
+        return -1;
+    }
+    if (pid == 0) {
+        // No toolkit work in the child beyond reading the models, and no way back into
+        // the program: it ends here or becomes the session program.
+        restore_default_signals();
+        _exit(run_child(model, iter));
+    }
+    mark_active(model, iter, pid);
+    return waitpid(pid, nullptr, WNOHANG) == 0 ? -1 : 0;
+}
+
+void spawn_button_cb(GtkWidget*, GtkTreeView* tree_view)
+{
+    GtkTreeModel* model = nullptr;
+    GtkTreeIter iter;
+    if (gtk_tree_selection_get_selected(gtk_tree_view_get_selection(tree_view), &model, &iter))
+        spawn_connection(model, &iter);
+}
+
+void spawn_doubleclick_cb(GtkTreeView* tree_view, GtkTreePath*, GtkTreeViewColumn*, gpointer)
+{
+    spawn_button_cb(nullptr, tree_view);
+}

@@ -4,11 +4,16 @@
 #include <gtk/gtk.h>
 
 // Child exit statuses: the connection is no longer in the master list; the session
-// program could not be started or has ended.
+// program could not be started, has ended, or the server did not answer.
 inline constexpr int exit_connection_gone = 189;
 inline constexpr int exit_session_over = 69;
 
+// model is the user connection tree (a GtkTreeStore), iter a primary or secondary row.
+// Marks the row "Active" with the child's process id. Returns 0 when the row was
+// already active (nothing is started), -1 when fork failed or the child still runs.
 int spawn_connection(GtkTreeModel* model, GtkTreeIter* iter);
+// The Connect button: starts the selected row of tree_view, if any.
 void spawn_button_cb(GtkWidget* button, GtkTreeView* tree_view);
+// The tree view's "row-activated" handler: as the Connect button.
 void spawn_doubleclick_cb(GtkTreeView* tree_view, GtkTreePath* path, GtkTreeViewColumn* column,
                           gpointer data);
