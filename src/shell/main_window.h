@@ -1,0 +1,31 @@
+#pragma once
+// The main window with the current user's connection list and its buttons, the help
+// window, and the two shared modal dialogs (error and reconnect prompt).
+#include <gtk/gtk.h>
+
+// Builds root_window, error_dialog and reconnect_dialog, and routes the program's
+// messages to the error dialog.
+void build_main_window();
+// The tree view on current_user_connection_tree and the buttons by mode and rights.
+void finish_main_window();
+// Administrators only: the "Ad_vanced" button.
+void add_advanced_button();
+// Shows the main window with every row expanded.
+void show_main_window();
+// Shows the reconnect prompt and waits until the user closes it.
+void run_reconnect_dialog();
+
+// Columns "Name", "Type" and "Status" of a user connection tree view.
+void make_user_renderer(GtkTreeView* view);
+// Settings: starts the control panel in the background, if one is installed.
+void system_cb(GtkWidget* button, gpointer data);
+// Shell mode close handler: opens "End Session" and keeps the window.
+gboolean root_window_delete_event(GtkWidget* window, GdkEvent* event, gpointer data);
+// Users without administration rights may not close the window through the window manager.
+gboolean block_close(GtkWidget* window, GdkEvent* event, gpointer data);
+
+// The help window; the main window is hidden while it is open.
+void help_dialog(GtkWidget* button, gpointer parent);
+
+// The program's icon, for every window of its own.
+GdkPixbuf* program_icon();
