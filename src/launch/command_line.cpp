@@ -134,12 +134,14 @@ std::vector<std::string> keymap_codes(GtkListStore* list, const std::string& nam
     return codes;
 }
 
+// An empty size (a record the editor did not write) gives no geometry: "-g" alone
+// would take the server for one.
 void add_window_size(argument_vector& arguments, const std::string& size)
 {
     if (size == rdp_full_screen)
         arguments.push_back("-f");
     else if (size != rdp_default)
-        arguments.push_back("-g" + size);
+        add_prefixed(arguments, "-g", size);
 }
 
 // A stored bit means the feature is wanted; rdesktop is told which to switch off.
