@@ -1,0 +1,183 @@
+#include "shell/options.h"
+
+#include "platform/line_reader.h"
+#include "platform/message.h"
+#include "platform/paths.h"
+#include "platform/shell_command.h"
+#include "shell/globals.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <cstring>
+#include <sys/stat.h>
+
+namespace {
+
+constexpr const char* options_file = "/etc/zarvooptions";
+constexpr const char* options_temp_file = "/tmp/zarvooptions.tmp";
+constexpr const char* icewm_preferences = "/etc/X11/icewm/preferences";
+constexpr const char* preferences_temp_file = "/tmp/preferences";
+
+// Keys as they are searched for (in a lower-case copy of the line) and written.
+constexpr const char* shell_key = "zarvoshell";
+constexpr const char* shell_is_ours = "kest";
+constexpr const char* taskbar_key = "show_taskbar";
+constexpr const char* kiosk_key = "kiosk_browser";
+constexpr const char* taskbar_assignment = "show_taskbar=";
+constexpr const char* kiosk_assignment = "kiosk_browser=";
+constexpr const char* true_word = "true";
+constexpr const char* written_taskbar_key = "SHOW_TASKBAR=";
+constexpr const char* written_kiosk_key = "KIOSK_BROWSER=";
+
+constexpr const char* write_error_message =
+    "\nError writing Zarvo options temporary configuration file, changes not saved.\n";
+constexpr const char* move_error_message =
+    "\nError saving Zarvo options configuration file, changes not saved.\n";
+constexpr const char* temp_gone_message =
+    "\nError opening Zarvo options temporary configuration file, changes not saved.\n";
+
+std::string lower_case(std::string text)
+{
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return text;
+}
+
+bool contains(const std::string& text, const char* part)
+{
+    return text.find(part) != std::string::npos;
+}
+
+const char* true_false(int flag) { return flag ? "TRUE" : "FALSE"; }
+
+// A directory opens for reading but holds no lines; it counts as no options file, so
+// that saving cannot replace the settings by the two keys alone.
+FILE* open_options_for_reading()
+{
+    FILE* file = std::fopen(root_path(options_file).c_str(), "re");
+    struct stat st;
+    if (file && (fstat(fileno(file), &st) != 0 || S_ISDIR(st.st_mode))) {
+        std::fclose(file);
+        return nullptr;
+    }
+    return file;
+}
+
+void apply_options_line(const std::string& lower)
+{
+    if (contains(lower, shell_key))
+        shell_mode = contains(lower, shell_is_ours);
+    if (contains(lower, taskbar_key))
+        show_taskbar = contains(lower, true_word);
+    if (contains(lower, kiosk_key))
+        kiosk_mode = contains(lower, true_word);
+}
+
+struct keys_seen {
+    bool taskbar = false;
+    bool kiosk = false;
+};
+
+// A key line keeps as many of its first characters as the key has (the key as
+// written, in its own case) and gets the flag's value.
+void write_key_line(const std::string& piece, const char* key, int flag, FILE* out)
+{
+    const std::string kept = piece.substr(0, std::strlen(key));
+    std::fprintf(out, "%s%s\n", kept.c_str(), true_false(flag));
+}
+
+// Other lines are written verbatim, not used as a format: a percent sign in a line
+// is copied instead of being interpreted.
+void copy_options_line(const std::string& piece, FILE* out, keys_seen& seen)
+{
+    const std::string lower = lower_case(piece);
+    if (contains(lower, taskbar_assignment)) {
+        seen.taskbar = true;
+        write_key_line(piece, taskbar_assignment, show_taskbar, out);
+    } else if (contains(lower, kiosk_assignment)) {
+        seen.kiosk = true;
+        write_key_line(piece, kiosk_assignment, kiosk_mode, out);
+    } else {
+        std::fputs(piece.c_str(), out);
+    }
+}
+
+void append_missing_keys(const keys_seen& seen, FILE* out)
+{
+    if (!seen.taskbar)
+        std::fprintf(out, "%s%s\n", written_taskbar_key, true_false(show_taskbar));
+    if (!seen.kiosk)
+        std::fprintf(out, "%s%s\n", written_kiosk_key, true_false(kiosk_mode));
+}
+
+// Closes the copy; false when any write to it failed, buffered ones included.
+bool close_cleanly(FILE* out)
+{
+    bool failed = std::fflush(out) != 0 || std::ferror(out);
+    failed = std::fclose(out) != 0 || failed;
+    return !failed;
+}
+
+void replace_options_file(const std::string& temp_path)
+{
+    if (!is_regular_file(temp_path)) {
+        show_error(temp_gone_message);
+        return;
+    }
+    const std::string command =
+        "mv -f " + temp_path + " " + root_path(options_file) + " > /dev/null";
+    if (run_shell_command(command) != 0)
+        show_error(move_error_message);
+}
+
+}  // namespace
+
+void parse_zarvooptions()
+{
+    FILE* in = open_options_for_reading();
+    if (!in)
+        return;
+    line_reader reader(in, long_line::pieces);
+    while (reader.read())
+        apply_options_line(lower_case(reader.text()));
+    std::fclose(in);
+}
+
+void write_zarvooptions()
+{
+    FILE* in = open_options_for_reading();
+    if (!in)
+        return;
+    const std::string temp_path = root_path(options_temp_file);
+    FILE* out = std::fopen(temp_path.c_str(), "we");
+    if (!out) {
+        std::fclose(in);
+        return;
+    }
+    keys_seen seen;
+    line_reader reader(in, long_line::pieces);
+    while (reader.read())
+        copy_options_line(reader.text(), out, seen);
+    std::fclose(in);
+    append_missing_keys(seen, out);
+    if (!close_cleanly(out)) {
+        show_error(write_error_message);
+        return;
+    }
+    replace_options_file(temp_path);
+}
+
+// Only Debian systems carry the IceWM preferences this edits, so the check lives here
+// rather than with each caller.
+void set_icewm_taskbar(int show)
+{
+    if (!debian)
+        return;
+    const std::string preferences = root_path(icewm_preferences);
+    const std::string temp_path = root_path(preferences_temp_file);
+    const std::string edit = std::string("sed '/ShowTaskBar/cShowTaskBar=") + (show ? "1" : "0") +
+                             "' " + preferences + " > " + temp_path;
+    if (run_shell_command(edit) == 0)
+        run_shell_command("cp " + temp_path + " " + preferences);
+}
