@@ -1,0 +1,78 @@
+#include "shell/main_window.h"
+
+#include "platform/line_reader.h"
+#include "platform/paths.h"
+
+#include <cstdio>
+
+namespace {
+
+constexpr const char* help_file = "/etc/.kestrel/kestrel.help";
+constexpr const char* version_text = "Version 1.3.3\n";
+constexpr const char* support_text =
+    "Kestrelle connects this thin client to its remote sessions. The product "
+    "documentation and the administrator's guide are on the Kestrelle support web site, "
+    "https://support.kestrelle.example/.";
+// The help text comes in pieces of up to 199 characters; longer lines are simply
+// read in several pieces.
+constexpr int help_piece_size = 200;
+constexpr int help_width = 600;
+constexpr int help_text_height = 400;
+
+GtkWidget* help_text_view(FILE* file)
+{
+    GtkWidget* view = gtk_text_view_new();
+    gtk_text_view_set_editable(GTK_TEXT_VIEW(view), FALSE);
+    gtk_text_view_set_cursor_visible(GTK_TEXT_VIEW(view), FALSE);
+    GtkTextBuffer* buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(view));
+    GtkTextIter end;
+    line_reader reader(file, long_line::pieces, help_piece_size);
+    while (reader.read()) {
+        gtk_text_buffer_get_end_iter(buffer, &end);
+        gtk_text_buffer_insert(buffer, &end, reader.c_str(), -1);
+    }
+    GtkWidget* scrolled = gtk_scrolled_window_new(nullptr, nullptr);
+    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
+    gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scrolled), GTK_SHADOW_IN);
+    gtk_container_add(GTK_CONTAINER(scrolled), view);
+    return scrolled;
+}
+
+GtkWidget* support_label()
+{
+    GtkWidget* label = gtk_label_new(support_text);
+    gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
+    return label;
+}
+
+void show_parent_again(GtkWidget*, gpointer parent)
+{
+    if (parent)
+        gtk_widget_show(GTK_WIDGET(parent));
+}
+
+}  // namespace
+
+void help_dialog(GtkWidget*, gpointer parent)
+{
+    GtkWidget* window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+    gtk_window_set_title(GTK_WINDOW(window), "Help");
+    gtk_window_set_position(GTK_WINDOW(window), GTK_WIN_POS_CENTER);
+    gtk_window_set_icon(GTK_WINDOW(window), program_icon());
+    GtkWidget* column = gtk_vbox_new(FALSE, 0);
+    gtk_container_add(GTK_CONTAINER(window), column);
+    gtk_box_pack_start(GTK_BOX(column), gtk_label_new("Kestrelle"), FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(column), gtk_label_new(version_text), FALSE, FALSE, 0);
+    if (FILE* file = std::fopen(root_path(help_file).c_str(), "re")) {
+        gtk_box_pack_start(GTK_BOX(column), help_text_view(file), TRUE, TRUE, 0);
+        std::fclose(file);
+        gtk_window_set_default_size(GTK_WINDOW(window), help_width, help_text_height);
+    } else {
+        gtk_box_pack_start(GTK_BOX(column), support_label(), TRUE, TRUE, 0);
+        gtk_window_set_default_size(GTK_WINDOW(window), help_width, -1);
+    }
+    g_signal_connect(window, "destroy", G_CALLBACK(show_parent_again), parent);
+    if (parent)
+        gtk_widget_hide(GTK_WIDGET(parent));
+    gtk_widget_show_all(window);
+}

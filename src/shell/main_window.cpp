@@ -1,0 +1,242 @@
+#include "shell/main_window.h"
+
+#include "launch/spawn.h"
+#include "platform/message.h"
+#include "platform/paths.h"
+#include "platform/shell_command.h"
+#include "shell/exit.h"
+#include "shell/globals.h"
+#include "store/record.h"
+
+#include <string>
+
+namespace {
+
+constexpr const char* product_name = "Kestrelle";
+constexpr const char* initial_error_text = "\nWarning dialogs are enabled.\n";
+constexpr const char* reconnect_text = "\nPlease close this dialog when you're ready to connect.\n";
+constexpr const char* control_panels[] = {"/usr/bin/zarvocontrolpanel", "/usr/bin/xfce-setting-show"};
+constexpr int window_border = 10;
+constexpr int button_spacing = 10;
+
+// The window keeps references to the widgets that later steps of start-up extend.
+constexpr const char* tree_view_key = "kestrelle-tree-view";
+constexpr const char* button_column_key = "kestrelle-buttons";
+constexpr const char* help_button_key = "kestrelle-help-button";
+
+// The error and reconnect dialogs: modal, no parent, one close button; any response
+// hides them, for they live for the whole run.
+GtkWidget* make_shared_dialog(GtkWidget** label, const char* text)
+{
+    GtkWidget* dialog = gtk_dialog_new_with_buttons(product_name, nullptr, GTK_DIALOG_MODAL,
+                                                    GTK_STOCK_CLOSE, GTK_RESPONSE_CLOSE, nullptr);
+    gtk_window_set_position(GTK_WINDOW(dialog), GTK_WIN_POS_CENTER);
+    gtk_window_set_icon(GTK_WINDOW(dialog), program_icon());
+    *label = gtk_label_new(text);
+    gtk_label_set_justify(GTK_LABEL(*label), GTK_JUSTIFY_CENTER);
+    gtk_label_set_line_wrap(GTK_LABEL(*label), TRUE);
+    gtk_box_pack_start(GTK_BOX(GTK_DIALOG(dialog)->vbox), *label, TRUE, TRUE, 0);
+    g_signal_connect(dialog, "response", G_CALLBACK(gtk_widget_hide), nullptr);
+    g_signal_connect(dialog, "delete-event", G_CALLBACK(gtk_widget_hide_on_delete), nullptr);
+    return dialog;
+}
+
+void run_shared_dialog(GtkWidget* dialog)
+{
+    gtk_widget_show_all(dialog);
+    gtk_dialog_run(GTK_DIALOG(dialog));
+    gtk_widget_hide(dialog);
+}
+
+void set_error_label(const std::string& text) { gtk_label_set_text(GTK_LABEL(error_label), text.c_str()); }
+
+void run_error_dialog_window() { run_shared_dialog(error_dialog); }
+
+GtkTreeView* connection_view()
+{
+    return GTK_TREE_VIEW(g_object_get_data(G_OBJECT(root_window), tree_view_key));
+}
+
+// Secondary connections are always shown under their primary.
+gboolean expand_rows_cb(GtkWidget*, GdkEventWindowState*, gpointer)
+{
+    if (GtkTreeView* view = connection_view())
+        gtk_tree_view_expand_all(view);
+    return FALSE;
+}
+
+// The program keeps running when an administrator closes the window while sessions
+// are active; later dialogs must then not refer to the window that is gone.
+void forget_root_window(GtkWidget*, gpointer)
+{
+    root_window = nullptr;
+    if (misc_widgets)
+        misc_widgets[0] = nullptr;
+}
+
+GtkWidget* add_button(const char* label, GCallback handler, gpointer data)
+{
+    GtkWidget* column = GTK_WIDGET(g_object_get_data(G_OBJECT(root_window), button_column_key));
+    GtkWidget* button = gtk_button_new_with_mnemonic(label);
+    gtk_box_pack_start(GTK_BOX(column), button, FALSE, FALSE, 0);
+    if (handler)
+        g_signal_connect(button, "clicked", handler, data);
+    return button;
+}
+
+GtkWidget* make_connection_view()
+{
+    GtkWidget* view = gtk_tree_view_new_with_model(GTK_TREE_MODEL(current_user_connection_tree));
+    GtkTreeView* tree = GTK_TREE_VIEW(view);
+    gtk_tree_view_set_rules_hint(tree, TRUE);
+    gtk_tree_view_set_reorderable(tree, FALSE);
+    gtk_tree_view_set_enable_search(tree, FALSE);
+    gtk_tree_view_set_search_column(tree, TC_NAME);
+    make_user_renderer(tree);
+    gtk_tree_view_set_headers_clickable(tree, FALSE);
+    g_signal_connect(view, "row-activated", G_CALLBACK(spawn_doubleclick_cb), nullptr);
+    return view;
+}
+
+void add_connection_list(GtkWidget* view)
+{
+    GtkWidget* scrolled = gtk_scrolled_window_new(nullptr, nullptr);
+    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
+    gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scrolled), GTK_SHADOW_IN);
+    gtk_container_add(GTK_CONTAINER(scrolled), view);
+    GtkWidget* row = gtk_bin_get_child(GTK_BIN(root_window));
+    gtk_box_pack_start(GTK_BOX(row), scrolled, TRUE, TRUE, 0);
+    gtk_box_reorder_child(GTK_BOX(row), scrolled, 0);
+}
+
+gboolean exit_on_close(GtkWidget*, GdkEvent*, gpointer) { return exit_program(); }
+
+void exit_cb(GtkWidget*, gpointer) { exit_program(); }
+
+void connect_close_handlers()
+{
+    if (shell_mode)
+        g_signal_connect(root_window, "delete-event", G_CALLBACK(root_window_delete_event), nullptr);
+    else
+        g_signal_connect(root_window, "delete-event", G_CALLBACK(exit_on_close), nullptr);
+    if (!user_has_root)
+        g_signal_connect(root_window, "delete-event", G_CALLBACK(block_close), nullptr);
+}
+
+void add_buttons(GtkWidget* view)
+{
+    GtkWidget* connect = add_button("_Connect", G_CALLBACK(spawn_button_cb), view);
+    gtk_widget_set_can_default(connect, TRUE);
+    gtk_window_set_default(GTK_WINDOW(root_window), connect);
+    if (shell_mode)
+        add_button("Sh_utdown", G_CALLBACK(shutdown_dialog), root_window);
+    else
+        add_button("E_xit", G_CALLBACK(exit_cb), nullptr);
+    add_button("_Settings", G_CALLBACK(system_cb), nullptr);
+    GtkWidget* help = add_button("_Help", G_CALLBACK(help_dialog), root_window);
+    g_object_set_data(G_OBJECT(root_window), help_button_key, help);
+}
+
+}  // namespace
+
+void build_main_window()
+{
+    root_window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+    misc_widgets[0] = root_window;
+    gtk_window_set_title(GTK_WINDOW(root_window), product_name);
+    gtk_window_set_position(GTK_WINDOW(root_window), GTK_WIN_POS_CENTER);
+    gtk_container_set_border_width(GTK_CONTAINER(root_window), window_border);
+    gtk_window_set_icon(GTK_WINDOW(root_window), program_icon());
+    g_signal_connect(root_window, "destroy", G_CALLBACK(forget_root_window), nullptr);
+
+    GtkWidget* row = gtk_hbox_new(FALSE, button_spacing);
+    gtk_container_add(GTK_CONTAINER(root_window), row);
+    GtkWidget* buttons = gtk_vbutton_box_new();
+    gtk_button_box_set_layout(GTK_BUTTON_BOX(buttons), GTK_BUTTONBOX_EDGE);
+    gtk_box_set_spacing(GTK_BOX(buttons), button_spacing);
+    gtk_box_pack_end(GTK_BOX(row), buttons, FALSE, FALSE, 0);
+    g_object_set_data(G_OBJECT(root_window), button_column_key, buttons);
+
+    reconnect_dialog = make_shared_dialog(&reconnect_label, reconnect_text);
+    error_dialog = make_shared_dialog(&error_label, initial_error_text);
+    set_message_handlers({set_error_label, run_error_dialog_window});
+}
+
+void finish_main_window()
+{
+    GtkWidget* view = make_connection_view();
+    g_object_set_data(G_OBJECT(root_window), tree_view_key, view);
+    add_connection_list(view);
+    add_buttons(view);
+    connect_close_handlers();
+    g_signal_connect(root_window, "window-state-event", G_CALLBACK(expand_rows_cb), nullptr);
+    gtk_tree_view_expand_all(GTK_TREE_VIEW(view));
+}
+
+void add_advanced_button()
+{
+    // The administration window is opened from here once it exists; until then the
+    // button only shows that this user administers the terminal.
+    GtkWidget* advanced = add_button("Ad_vanced", nullptr, nullptr);
+    GtkWidget* help = GTK_WIDGET(g_object_get_data(G_OBJECT(root_window), help_button_key));
+    GtkWidget* column = gtk_widget_get_parent(help);
+    gint help_position = 0;
+    gtk_container_child_get(GTK_CONTAINER(column), help, "position", &help_position, nullptr);
+    gtk_box_reorder_child(GTK_BOX(column), advanced, help_position);
+}
+
+void show_main_window()
+{
+    gtk_widget_show_all(root_window);
+    gtk_tree_view_expand_all(connection_view());
+}
+
+void run_reconnect_dialog() { run_shared_dialog(reconnect_dialog); }
+
+void make_user_renderer(GtkTreeView* view)
+{
+    struct column_shape {
+        const char* title;
+        int column;
+        int width;
+        bool fixed;
+    };
+    const column_shape shapes[] = {
+        {"Name", TC_NAME, 290, false},
+        {"Type", TC_TYPE, 45, true},
+        {"Status", TC_STATUS, 102, true},
+    };
+    for (const column_shape& shape : shapes) {
+        GtkTreeViewColumn* column = gtk_tree_view_column_new_with_attributes(
+            shape.title, gtk_cell_renderer_text_new(), "text", shape.column, nullptr);
+        gtk_tree_view_column_set_clickable(column, FALSE);
+        gtk_tree_view_column_set_reorderable(column, FALSE);
+        if (shape.fixed) {
+            gtk_tree_view_column_set_sizing(column, GTK_TREE_VIEW_COLUMN_FIXED);
+            gtk_tree_view_column_set_fixed_width(column, shape.width);
+        } else {
+            gtk_tree_view_column_set_resizable(column, TRUE);
+            gtk_tree_view_column_set_min_width(column, shape.width);
+        }
+        gtk_tree_view_append_column(view, column);
+    }
+}
+
+void system_cb(GtkWidget*, gpointer)
+{
+    for (const char* program : control_panels) {
+        std::string path = root_path(program);
+        if (path_exists(path)) {
+            run_shell_command(path + " &");
+            return;
+        }
+    }
+}
+
+gboolean root_window_delete_event(GtkWidget* window, GdkEvent*, gpointer)
+{
+    shutdown_dialog(nullptr, window);
+    return TRUE;
+}
+
+gboolean block_close(GtkWidget*, GdkEvent*, gpointer) { return TRUE; }
