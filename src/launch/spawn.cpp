@@ -29,12 +29,34 @@ void mark_active(GtkTreeModel* model, GtkTreeIter* iter, pid_t pid)
                        TC_POLLS, 0, -1);
 }
 
-// The parent's handlers for the termination signals only tell its main loop to exit;
-// the child has no main loop, so it takes the default action again.
-void restore_default_signals()
+constexpr int termination_signals[] = {SIGTERM, SIGHUP, SIGQUIT, SIGINT};
+
+// The parent's handlers for the termination signals write to the pipe its main loop
+// reads, which the child shares: run in the child, they would end the parent. They stay
+// blocked from just before fork until the child has put the default actions back.
+sigset_t block_termination_signals()
 {
-    for (int signal_number : {SIGTERM, SIGHUP, SIGQUIT, SIGINT})
+    sigset_t blocked;
+    sigset_t previous;
+    sigemptyset(&blocked);
+    for (int signal_number : termination_signals)
+        sigaddset(&blocked, signal_number);
+    sigprocmask(SIG_BLOCK, &blocked, &previous);
+    return previous;
+}
+
+void restore_signal_mask(const sigset_t& previous)
+{
+    sigprocmask(SIG_SETMASK, &previous, nullptr);
+}
+
+// The child has no main loop: a termination signal takes its default action again, and
+// the session program starts with the signal mask the program had before the fork.
+void restore_default_signals(const sigset_t& previous)
+{
+    for (int signal_number : termination_signals)
         std::signal(signal_number, SIG_DFL);
+    restore_signal_mask(previous);
 }
 
 // Runs a command line with shell quoting but no shell, waiting until it ends.
@@ -130,16 +152,18 @@ int spawn_connection(GtkTreeModel* model, GtkTreeIter* iter)
         return 0;
     // Output still buffered in our streams would otherwise be written by the child too.
     std::fflush(nullptr);
+    const sigset_t previous_mask = block_termination_signals();
     const pid_t pid = fork();
-    if (pid < 0) {
-        std::perror("Process fork failed.\n");
-        return -1;
-    }
     if (pid == 0) {
         // No toolkit work in the child beyond reading the models, and no way back into
         // the program: it ends here or becomes the session program.
-        restore_default_signals();
+        restore_default_signals(previous_mask);
         _exit(run_child(model, iter));
+    }
+    restore_signal_mask(previous_mask);
+    if (pid < 0) {
+        std::perror("Process fork failed.\n");
+        return -1;
     }
     mark_active(model, iter, pid);
     return waitpid(pid, nullptr, WNOHANG) == 0 ? -1 : 0;
