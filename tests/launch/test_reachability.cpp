@@ -1,0 +1,119 @@
+#include "launch/reachability.h"
+
+#include "launch_fixture.h"
+
+#include <arpa/inet.h>
+#include <cerrno>
+#include <chrono>
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <string>
+#include <sys/socket.h>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+// A TCP socket bound to a free port of 127.0.0.1; listening unless told otherwise.
+class local_port {
+public:
+    explicit local_port(bool listening, int backlog = 16)
+    {
+        fd_ = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t length = sizeof address;
+        if (bind(fd_, reinterpret_cast<sockaddr*>(&address), length) != 0 ||
+            getsockname(fd_, reinterpret_cast<sockaddr*>(&address), &length) != 0)
+            ADD_FAILURE() << "no local port";
+        port_ = std::to_string(ntohs(address.sin_port));
+        if (listening)
+            listen(fd_, backlog);
+    }
+    ~local_port() { close(fd_); }
+    const char* port() const { return port_.c_str(); }
+
+private:
+    int fd_ = -1;
+    std::string port_;
+};
+
+using reachability_test = rooted_log_test;
+
+TEST_F(reachability_test, smart_ping_against_local_ports)
+{
+    const local_port open_port(true);
+    const local_port closed_port(false);
+    const std::string refused =
+        "Connection to server 127.0.0.1 failed with error Connection refused (6f).\n";
+    const struct {
+        const char* host;
+        const char* port;
+        int result;
+        std::string log;
+    } cases[] = {
+        {"127.0.0.1", open_port.port(), 0, ""},
+        {"localhost", open_port.port(), 0, ""},
+        {"127.0.0.1", closed_port.port(), ECONNREFUSED, refused},
+        // Not a number: port 0, which nothing listens on.
+        {"127.0.0.1", "http", ECONNREFUSED, refused},
+        {"127.0.0.1", "", ECONNREFUSED, refused},
+        // Begins with a digit: taken as an address, never looked up; what inet_pton cannot
+        // read stays 0.0.0.0, which is this machine.
+        {"1nosuchhost", open_port.port(), 0, ""},
+    };
+    for (const auto& c : cases) {
+        const size_t before = log_text().size();
+        EXPECT_EQ(smart_ping(c.host, c.port), c.result) << c.host << ":" << c.port;
+        EXPECT_EQ(log_text().substr(before), c.log) << c.host << ":" << c.port;
+    }
+}
+
+TEST_F(reachability_test, unknown_host_is_logged)
+{
+    const local_port open_port(true);
+    for (const char* host : {"no-such-host.invalid", "", "-"}) {
+        const size_t before = log_text().size();
+        smart_ping(host, open_port.port());
+        EXPECT_EQ(log_text().substr(before), std::string("Unknown host ") + host + ".\n");
+    }
+}
+
+// A server whose queue of pending connections is full drops new ones silently, as an
+// unreachable one would: the check gives up after seconds, not the system's minutes.
+TEST_F(reachability_test, silent_server_fails_within_seconds)
+{
+    const local_port busy(true, 0);
+    std::vector<int> clients;
+    for (int i = 0; i < 2; ++i) {
+        clients.push_back(socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_port = htons(static_cast<uint16_t>(std::stoi(busy.port())));
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        connect(clients.back(), reinterpret_cast<sockaddr*>(&address), sizeof address);
+    }
+    usleep(100 * 1000);
+
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(smart_ping("127.0.0.1", busy.port()), ETIMEDOUT);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+    EXPECT_EQ(log_text(),
+              "Connection to server 127.0.0.1 failed with error Connection timed out (6e).\n");
+    for (int fd : clients)
+        close(fd);
+}
+
+TEST_F(reachability_test, run_reachability_check_gives_the_command_status)
+{
+    using method = reachability_check::method;
+    const local_port open_port(true);
+    EXPECT_EQ(run_reachability_check({}), 0);
+    EXPECT_EQ(run_reachability_check({method::icmp, "exit 3", "", ""}), 3 << 8);
+    EXPECT_EQ(run_reachability_check({method::icmp, "true", "", ""}), 0);
+    EXPECT_EQ(run_reachability_check({method::tcp, "", "127.0.0.1", open_port.port()}), 0);
+    EXPECT_EQ(run_reachability_check({method::tcp, "", "127.0.0.1", "0"}), ECONNREFUSED);
+}
+
+}  // namespace

@@ -1,0 +1,55 @@
+#pragma once
+// Shared by the launcher tests: records built from a few columns, keyboard map lists
+// filled by hand, and a private root with the program's log open in it.
+#include "keymaps/keymaps.h"
+#include "platform/log.h"
+#include "store/record.h"
+#include "support/test_support.h"
+
+#include <gtest/gtest.h>
+#include <initializer_list>
+#include <string>
+#include <utility>
+
+using column_values = std::initializer_list<std::pair<int, const char*>>;
+
+// A record of the given name and type with every other column empty but the given ones.
+inline connection_record make_record(const std::string& name, const std::string& type,
+                                     column_values values = {}, bool ping_first = false)
+{
+    connection_record record;
+    record[MC_NAME] = name;
+    record[MC_TYPE] = type;
+    for (const auto& [column, text] : values)
+        record[column] = text;
+    record.ping_first = ping_first;
+    return record;
+}
+
+// A keyboard map list of (code, display name) rows.
+inline GtkListStore* make_keymap_list(std::initializer_list<std::pair<const char*, const char*>> rows)
+{
+    GtkListStore* list = gtk_list_store_new(2, G_TYPE_STRING, G_TYPE_STRING);
+    for (const auto& [code, name] : rows) {
+        GtkTreeIter iter;
+        gtk_list_store_append(list, &iter);
+        gtk_list_store_set(list, &iter, KM_CODE, code, KM_DESCRIPTION, name, -1);
+    }
+    return list;
+}
+
+// A private root (KESTRELLE_ROOT) with tmp/ in it and the program's log open there.
+class rooted_log_test : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        make_dirs(root / "tmp");
+        ASSERT_TRUE(log_open());
+    }
+    void TearDown() override { log_close(); }
+
+    std::string log_text() const { return read_file_text(root / "tmp/zarvoca.log"); }
+
+    temp_dir root;
+    scoped_root rooted{root.path()};
+};
