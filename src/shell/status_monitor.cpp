@@ -117,7 +117,8 @@ void mark_not_connected(GtkTreeModel* model, GtkTreeIter* iter)
 
 void restart_after_end(GtkTreeModel* model, GtkTreeIter* iter, int polls, poll_state* poll)
 {
-    const restart_decision decision = decide_restart(describe_ended_row(model, iter, polls), dialog_up);
+    const ended_row row = describe_ended_row(model, iter, polls);
+    const restart_decision decision = decide_restart(row, dialog_up);
     GtkTreeIter target;
     if (!find_target(model, iter, decision.target, &target))
         return;

@@ -44,13 +44,15 @@ TEST_F(options_test, reading_tests_lower_case_substrings_and_the_last_match_wins
         std::string file;
         flags expected;  // flags start at {1, 1, 1}
     } table[] = {
-        {"written form", "ZARVOSHELL=/usr/bin/kestrelle\nSHOW_TASKBAR=True\nKIOSK_BROWSER=FALSE\n",
-         {1, 1, 0}},
+        {"written form",
+         "ZARVOSHELL=/usr/bin/kestrelle\nSHOW_TASKBAR=True\nKIOSK_BROWSER=FALSE\n", {1, 1, 0}},
         {"another shell, taskbar no", "zarvoshell=xfce4-session\nshow_taskbar=no\n", {0, 0, 1}},
         {"a comment counts", "# set Show_Taskbar to true to see it\n", {1, 1, 1}},
         {"a comment without true clears", "# show_taskbar is read at login\n", {1, 0, 1}},
-        {"last line wins", "SHOW_TASKBAR=TRUE\nKIOSK_BROWSER=TRUE\nSHOW_TASKBAR=FALSE\n", {1, 0, 1}},
-        {"one line, three keys", "zarvoshell=Kest show_taskbar=false kiosk_browser=no\n", {1, 0, 0}},
+        {"last line wins", "SHOW_TASKBAR=TRUE\nKIOSK_BROWSER=TRUE\nSHOW_TASKBAR=FALSE\n",
+         {1, 0, 1}},
+        {"one line, three keys", "zarvoshell=Kest show_taskbar=false kiosk_browser=no\n",
+         {1, 0, 0}},
         {"the second piece of a long line", padding + "SHOW_TASKBAR=FALSE\n", {1, 0, 1}},
         {"a key cut by the piece limit", std::string(95, 'x') + "SHOW_TASKBAR=FALSE\n", {1, 1, 1}},
         {"no line end, no keys", "SOMETHING=else", {1, 1, 1}},
@@ -63,13 +65,6 @@ TEST_F(options_test, reading_tests_lower_case_substrings_and_the_last_match_wins
     }
 }
 
-TEST_F(options_test, a_missing_file_leaves_the_flags)
-{
-    set_flags({0, 1, 0});
-    parse_zarvooptions();
-    EXPECT_EQ(current_flags(), (flags{0, 1, 0}));
-}
-
 TEST_F(options_test, writing_replaces_key_lines_keeps_the_others_and_appends_missing_keys)
 {
     const std::string long_line = std::string(120, 'a') + "\n";
@@ -80,7 +75,8 @@ TEST_F(options_test, writing_replaces_key_lines_keeps_the_others_and_appends_mis
         std::string after;
     } table[] = {
         {"both keys present",
-         "ZARVOSHELL=/usr/bin/kestrelle\nSHOW_TASKBAR=FALSE\nLANG=C\nKiosk_Browser=true\n", {1, 1, 0},
+         "ZARVOSHELL=/usr/bin/kestrelle\nSHOW_TASKBAR=FALSE\nLANG=C\nKiosk_Browser=true\n",
+         {1, 1, 0},
          "ZARVOSHELL=/usr/bin/kestrelle\nSHOW_TASKBAR=TRUE\nLANG=C\nKiosk_Browser=FALSE\n"},
         {"no keys", "LANG=C\n# show_taskbar and kiosk_browser without a sign\n", {0, 0, 1},
          "LANG=C\n# show_taskbar and kiosk_browser without a sign\nSHOW_TASKBAR=FALSE\n"
@@ -145,8 +141,11 @@ TEST_F(options_test, failures_leave_the_file_and_say_why)
     }
 }
 
-TEST_F(options_test, without_an_options_file_nothing_is_written)
+TEST_F(options_test, without_an_options_file_nothing_is_read_or_written)
 {
+    set_flags({0, 1, 0});
+    parse_zarvooptions();
+    EXPECT_EQ(current_flags(), (flags{0, 1, 0}));
     message_recorder messages;
     write_zarvooptions();
     make_dirs(options_path());  // a directory holds no settings either
@@ -159,7 +158,8 @@ TEST_F(options_test, without_an_options_file_nothing_is_written)
 TEST_F(options_test, the_icewm_taskbar_line_follows_the_flag_on_debian_only)
 {
     const std::string preferences = root / "etc/X11/icewm/preferences";
-    const std::string before = "TaskBarClock=1\nShowTaskBar=0 # hidden\nTheme=\"x\"\n# ShowTaskBar\n";
+    const std::string before =
+        "TaskBarClock=1\nShowTaskBar=0 # hidden\nTheme=\"x\"\n# ShowTaskBar\n";
     struct example {
         int debian_flag, show;
         const char* after;

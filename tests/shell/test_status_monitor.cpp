@@ -190,7 +190,6 @@ TEST_F(status_poll, each_rule_starts_the_right_row)
     } table[] = {
         {"running rows stay", {{"P", false, true, false, running, 4}}, "P"},
         {"c: ended persistent primary restarts", {{"P", false, true, false, ended, 2}}, "P"},
-        {"c: non-persistent stays down", {{"P", false, false, false, ended, 2}}, ""},
         {"b: early end fails over",
          {{"P", false, true, false, ended, 2}, {"S1", true, true, false, idle, 0},
           {"S2", true, true, false, idle, 0}},
@@ -213,6 +212,7 @@ TEST_F(status_poll, each_rule_starts_the_right_row)
         build(e.rows);
         EXPECT_TRUE(update_status(tree));
         EXPECT_EQ(active_names(), e.active_after) << e.what;
+        EXPECT_EQ(active_connections(model()), *e.active_after != '\0') << e.what;
         for (const tree_row& row : rows()) {
             const bool was_running = row.name == std::string("P") && e.rows[0].state == running;
             EXPECT_EQ(row.polls, was_running ? 5 : 0) << e.what << " " << row.name;
@@ -261,17 +261,6 @@ TEST_F(status_poll, an_id_that_is_not_our_child_counts_as_ended)
     siginfo_t info{};
     EXPECT_EQ(waitid(P_PID, other, &info, WEXITED | WNOHANG), 0);
     EXPECT_EQ(info.si_pid, other) << "still ours to reap";
-}
-
-TEST_F(status_poll, active_connections_sees_secondaries)
-{
-    build({{"P", false, false, false, session::idle, 0},
-           {"S", true, false, false, session::idle, 0}});
-    EXPECT_FALSE(active_connections(model()));
-    gtk_tree_store_clear(tree);
-    build({{"P", false, false, false, session::idle, 0},
-           {"S", true, false, false, session::running, 0}});
-    EXPECT_TRUE(active_connections(model()));
 }
 
 int children_of_this_process()
