@@ -149,7 +149,6 @@ gboolean update_status(gpointer data)
     return TRUE;
 }
 
-// data is the poll's record of rows started during it (update_status), or null.
 gboolean check_connection_status(GtkTreeModel* model, GtkTreePath* path, GtkTreeIter* iter,
                                  gpointer data)
 {

@@ -5,7 +5,8 @@
 
 // The 3000 ms timer callback; data is the user connection tree. Always TRUE.
 gboolean update_status(gpointer data);
-// The per-row step of update_status; always FALSE so that the walk goes on.
+// The per-row step of update_status; always FALSE so that the walk goes on. data is
+// null, or update_status's record of the rows it started, which the walk passes over.
 gboolean check_connection_status(GtkTreeModel* model, GtkTreePath* path, GtkTreeIter* iter,
                                  gpointer data);
 // TRUE when any row, primary or secondary, has a running session.
