@@ -9,6 +9,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <pthread.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
@@ -41,13 +42,13 @@ sigset_t block_termination_signals()
     sigemptyset(&blocked);
     for (int signal_number : termination_signals)
         sigaddset(&blocked, signal_number);
-    sigprocmask(SIG_BLOCK, &blocked, &previous);
+    pthread_sigmask(SIG_BLOCK, &blocked, &previous);
     return previous;
 }
 
 void restore_signal_mask(const sigset_t& previous)
 {
-    sigprocmask(SIG_SETMASK, &previous, nullptr);
+    pthread_sigmask(SIG_SETMASK, &previous, nullptr);
 }
 
 // The child has no main loop: a termination signal takes its default action again, and
