@@ -6,9 +6,13 @@
 #include "store/record.h"
 #include "support/test_support.h"
 
+#include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <initializer_list>
+#include <netinet/in.h>
 #include <string>
+#include <sys/socket.h>
+#include <unistd.h>
 #include <utility>
 
 using column_values = std::initializer_list<std::pair<int, const char*>>;
@@ -37,6 +41,31 @@ inline GtkListStore* make_keymap_list(std::initializer_list<std::pair<const char
     }
     return list;
 }
+
+// A TCP socket bound to a free port of 127.0.0.1; listening unless told otherwise.
+class local_port {
+public:
+    explicit local_port(bool listening, int backlog = 16)
+    {
+        fd_ = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t length = sizeof address;
+        if (bind(fd_, reinterpret_cast<sockaddr*>(&address), length) != 0 ||
+            getsockname(fd_, reinterpret_cast<sockaddr*>(&address), &length) != 0)
+            ADD_FAILURE() << "no local port";
+        port_ = std::to_string(ntohs(address.sin_port));
+        if (listening)
+            listen(fd_, backlog);
+    }
+    ~local_port() { close(fd_); }
+    const char* port() const { return port_.c_str(); }
+
+private:
+    int fd_ = -1;
+    std::string port_;
+};
 
 // A private root (KESTRELLE_ROOT) with tmp/ in it and the program's log open there.
 class rooted_log_test : public ::testing::Test {

@@ -5,7 +5,6 @@
 #include "shell/globals.h"
 #include "shell/status_monitor.h"
 
-#include <arpa/inet.h>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -13,9 +12,6 @@
 #include <fcntl.h>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <netinet/in.h>
-#include <sstream>
-#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
@@ -171,18 +167,8 @@ TEST_F(spawn_test, each_type_starts_its_program)
 
 TEST_F(spawn_test, failed_reachability_check_starts_nothing)
 {
-    const int closed = [] {
-        const int fd = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        socklen_t length = sizeof address;
-        bind(fd, reinterpret_cast<sockaddr*>(&address), length);
-        getsockname(fd, reinterpret_cast<sockaddr*>(&address), &length);
-        close(fd);
-        return ntohs(address.sin_port);
-    }();
-    const std::string closed_port = std::to_string(closed);
+    const local_port closed(false);
+    const std::string closed_port = closed.port();
     setenv("KEST_FAKE_FAIL", "ping", 1);
     const struct {
         connection_record record;
