@@ -1,0 +1,113 @@
+# Shared by the end-to-end tests: each case runs the real kestrelle in a fresh private
+# root (KESTRELLE_ROOT) with a fresh folder of fake session programs first in PATH.
+# Needs KESTRELLE (the binary) and FAKE (the argument-recording fake) in the environment
+# and an X display.
+set -euo pipefail
+: "${KESTRELLE:?path of the kestrelle binary}" "${FAKE:?path of the recording fake}"
+
+work=$(mktemp -d "${TMPDIR:-/tmp}/kestrelle-e2e.XXXXXX")
+failures=0
+started_pids=()
+
+stop_all() {
+  local pid child
+  for pid in "${started_pids[@]}"; do
+    for child in $(ps -o pid= --ppid "$pid" 2>/dev/null); do kill -KILL "$child" 2>/dev/null || true; done
+    kill -KILL "$pid" 2>/dev/null || true
+    wait "$pid" 2>/dev/null || true
+  done
+}
+trap 'stop_all; rm -rf "$work"' EXIT
+
+fail() {
+  echo "FAIL [$case_name]: $*" >&2
+  failures=$((failures + 1))
+}
+
+# new_case NAME: a fresh root with the running user as an administrator whose home is
+# /home/user, bin/busybox so that the instance guard uses its file, and a fresh PATH
+# folder of fakes.
+new_case() {
+  case_name=$1
+  root="$work/$1/root"
+  fakes="$work/$1/fakes"
+  mkdir -p "$root"/{bin,tmp,etc/.kestrel,home/user,opt/zarvo} "$fakes"
+  : >"$root/bin/busybox"
+  printf 'tester:x:%d:%d:Tester:/home/user:/bin/sh\n' "$(id -u)" "$(id -g)" >"$root/etc/passwd"
+  printf 'root:x:0:tester\n' >"$root/etc/group"
+  local name
+  for name in rdesktop wfica X xkbcomp firefox ping custom-client; do ln -s "$FAKE" "$fakes/$name"; done
+  ln -s "$FAKE" "$root/opt/zarvo/marrow"
+  argv_log="$root/argv.log"
+  log="$root/tmp/zarvoca.log"
+}
+
+# master_file RECORD...: writes the master list with the GUI shown; each RECORD is the
+# output of record (without its last line end, as a command substitution gives it).
+master_file() {
+  { printf 'Version 1.000\nShow GUI\nDon'\''t show taskbar\nNot kiosk\n'; printf '%s\n' "$@"; } \
+    >"$root/etc/.kestrel/kestrel.master"
+}
+
+# record NAME TYPE PING PORT [COLUMN=VALUE]...: the 35 lines of one connection; columns
+# not named are empty except 4 ("1"), 33 and 34 ("0").
+record() {
+  local -a column=("$1" "$2" "$3" "$4" 1)
+  local i pair
+  for i in $(seq 5 32); do column[i]=""; done
+  column[33]=0 column[34]=0
+  shift 4
+  for pair; do column[${pair%%=*}]=${pair#*=}; done
+  printf '%s\n' "${column[@]}"
+}
+
+# user_file ROW...: the running user's connection tree; each ROW is the six lines
+# "PRIMARY NAME TYPE AUTOMATIC PERSISTENT PROMPT" separated by "|".
+user_file() {
+  { echo "Version 1.000"; local row; for row; do tr '|' '\n' <<<"$row"; done; } >"$root/home/user/kestrel.inf"
+}
+
+# start_kestrelle [VAR=VALUE]...: starts the program in the background; sets pid.
+start_kestrelle() {
+  env KESTRELLE_ROOT="$root" PATH="$fakes:$PATH" KEST_FAKE_LOG="$argv_log" "$@" \
+    "$KESTRELLE" >"$root/stdout" 2>"$root/stderr" &
+  pid=$!
+  started_pids+=("$pid")
+}
+
+# wait_for SECONDS COMMAND...: retries COMMAND every 0.1 s until it succeeds.
+wait_for() {
+  local deadline=$((SECONDS + $1))
+  shift
+  until "$@"; do
+    [ "$SECONDS" -lt "$deadline" ] || return 1
+    sleep 0.1
+  done
+}
+
+main_window() { timeout 15 xdotool search --sync --onlyvisible --pid "$pid" --name '^Kestrelle$' | head -1; }
+line_count() { [ -f "$1" ] && [ "$(wc -l <"$1")" -ge "$2" ]; }
+has_ended() { ! kill -0 "$pid" 2>/dev/null; }
+visible_windows() { xdotool search --onlyvisible --pid "$pid" --name . 2>/dev/null || true; }
+no_children() { [ -z "$(ps -o pid= --ppid "$pid")" ]; }
+
+# expect_text WHAT EXPECTED FILE: the file holds exactly EXPECTED, newline included.
+expect_text() {
+  if ! diff -u <(printf '%s' "$2") "$3" >"$work/diff" 2>&1; then
+    fail "$1"
+    cat "$work/diff" >&2
+  fi
+}
+
+# collect_exit_status: waits up to 5 seconds for the program to end; sets status to its
+# exit status, or to "still running".
+collect_exit_status() {
+  status="still running"
+  wait_for 5 has_ended || return 0
+  status=0
+  wait "$pid" || status=$?
+}
+
+finish() {
+  if [ "$failures" -eq 0 ]; then echo "all cases passed"; else echo "$failures failure(s)"; exit 1; fi
+}

@@ -1,0 +1,49 @@
+# Start-up and exit of the real program: the instance guard, the log, the support folder
+# and its instance file, and SIGTERM with and without an active session.
+source "$(dirname "$0")/lib.sh"
+
+new_case instance_guard
+mkdir -p "$root/tmp/.kestrel"
+: >"$root/tmp/.kestrel/running"
+status=0
+KESTRELLE_ROOT="$root" timeout 10 "$KESTRELLE" >"$root/stdout" 2>&1 || status=$?
+[ "$status" -eq 1 ] || fail "a left-over instance file: exit status $status, not 1"
+expect_text "the refusal" $'Another instance of Kestrelle is already running.\n' "$root/stdout"
+[ ! -e "$log" ] || fail "a refused start wrote the log"
+
+new_case clean_exit_on_sigterm
+start_kestrelle
+[ -n "$(main_window)" ] || fail "no main window"
+[ -d "$root/tmp/.kestrel" ] || fail "no support folder tmp/.kestrel"
+[ -f "$root/tmp/.kestrel/running" ] || fail "no instance file tmp/.kestrel/running"
+expect_text "the log while running" $'Starting.\n' "$log"
+[ "$(stat -c %a "$log")" = 666 ] || fail "the log's mode is $(stat -c %a "$log"), not 666"
+kill -TERM "$pid"
+collect_exit_status
+[ "$status" = 0 ] || fail "SIGTERM with no session: exit status $status, not 0"
+expect_text "the log after SIGTERM" \
+  $'Starting.\nCaught signal 15.\nCleaning '"$root"$'/tmp/.kestrel and exiting with status 0.\n' "$log"
+[ ! -e "$root/tmp/.kestrel" ] || fail "the support folder is left after exit"
+
+# An automatic session that runs for two seconds: SIGTERM while it runs is answered with
+# the warning box and the program stays; once the session has ended SIGTERM ends it.
+new_case sigterm_with_active_session
+master_file "$(record Intranet Web "Don't ping" 80 5=http://intranet.example.lan/)"
+user_file "TRUE|Intranet|Web|TRUE|FALSE|FALSE"
+start_kestrelle KEST_FAKE_SLEEP_MS=2000
+window=$(main_window)
+wait_for 5 line_count "$argv_log" 1 || fail "the automatic session did not start"
+kill -TERM "$pid"
+wait_for 5 eval '[ "$(visible_windows | wc -l)" -ge 2 ]' ||
+  fail "no warning box after SIGTERM with an active session"
+has_ended && fail "the program ended on SIGTERM while a session was active"
+grep -qx "Caught signal 15." "$log" || fail "SIGTERM was not logged"
+grep -q "^Cleaning" "$log" && fail "the program cleaned up while a session was active"
+warning=$(visible_windows | grep -vx "$window" | head -1)
+timeout 5 xdotool windowfocus --sync "$warning" key Return
+wait_for 8 no_children || fail "the session was not reaped"
+kill -TERM "$pid"
+collect_exit_status
+[ "$status" = 0 ] || fail "SIGTERM after the session ended: exit status $status, not 0"
+
+finish
