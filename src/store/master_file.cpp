@@ -34,48 +34,59 @@ public:
         GtkTreeIter iter;
         for (bool more = gtk_tree_model_get_iter_first(existing, &iter); more;
              more = gtk_tree_model_iter_next(existing, &iter)) {
+            sequence_.push_back(static_cast<int>(names_.size()));
             names_.push_back(model_text(existing, &iter, MC_NAME));
-            order_.push_back(-1);
         }
-        for (size_t i = 1; i < order_.size() && sorted_; ++i)
+        existing_rows_ = static_cast<int>(names_.size());
+        for (size_t i = 1; i < sequence_.size() && sorted_; ++i)
             sorted_ = !name_after(i - 1, i);
     }
 
-    // Places new record number `record` whose raw name line is key and stored name is name.
-    void place(int record, const char* key, std::string name)
+    // Places the next new record, whose raw name line is key and stored name is name.
+    void place(const char* key, std::string name)
     {
         size_t at = sorted_ ? bisect(key) : walk(key);
-        names_.insert(names_.begin() + at, std::move(name));
-        order_.insert(order_.begin() + at, record);
+        // The sequence holds indexes, so that an insertion moves ints, not strings.
+        sequence_.insert(sequence_.begin() + at, static_cast<int>(names_.size()));
+        names_.push_back(std::move(name));
         if (sorted_)
             sorted_ = !(at > 0 && name_after(at - 1, at)) &&
-                      !(at + 1 < names_.size() && name_after(at, at + 1));
+                      !(at + 1 < sequence_.size() && name_after(at, at + 1));
     }
 
     // Final order: -1 for a row that was in the store before, else the record number.
-    const std::vector<int>& order() const { return order_; }
+    std::vector<int> order() const
+    {
+        std::vector<int> order;
+        order.reserve(sequence_.size());
+        for (int index : sequence_)
+            order.push_back(index < existing_rows_ ? -1 : index - existing_rows_);
+        return order;
+    }
 
 private:
+    const std::string& name_at(size_t position) const { return names_[sequence_[position]]; }
     bool name_after(size_t a, size_t b) const
     {
-        return g_ascii_strcasecmp(names_[a].c_str(), names_[b].c_str()) > 0;
+        return g_ascii_strcasecmp(name_at(a).c_str(), name_at(b).c_str()) > 0;
     }
     size_t bisect(const char* key) const
     {
-        auto it = std::partition_point(names_.begin(), names_.end(),
-                                       [key](const std::string& n) { return name_less(n, key); });
-        return it - names_.begin();
+        auto it = std::partition_point(sequence_.begin(), sequence_.end(),
+                                       [&](int index) { return name_less(names_[index], key); });
+        return it - sequence_.begin();
     }
     size_t walk(const char* key) const
     {
         size_t at = 0;
-        while (at < names_.size() && name_less(names_[at], key))
+        while (at < sequence_.size() && name_less(name_at(at), key))
             ++at;
         return at;
     }
 
-    std::vector<std::string> names_;
-    std::vector<int> order_;
+    std::vector<std::string> names_;  // rows already in the store, then the new records
+    std::vector<int> sequence_;       // indexes into names_, in list order
+    int existing_rows_ = 0;
     bool sorted_ = true;
 };
 
@@ -99,7 +110,7 @@ connection_record read_record(line_reader& reader, int lines_per_record)
 void insert_in_order(GtkListStore* store, const insertion_order& places,
                      const std::vector<connection_record>& records)
 {
-    const std::vector<int>& order = places.order();
+    const std::vector<int> order = places.order();
     for (size_t at = 0; at < order.size(); ++at)
         if (order[at] >= 0)
             insert_master_row(store, static_cast<int>(at), records[order[at]]);
@@ -130,7 +141,7 @@ void make_connection_list(GtkListStore* store, const char* path, int lines_per_r
         std::string key = reader.text();
         reader.drop_last_char();
         records.push_back(read_record(reader, lines_per_record));
-        places.place(static_cast<int>(records.size()) - 1, key.c_str(), records.back()[MC_NAME]);
+        places.place(key.c_str(), records.back()[MC_NAME]);
     }
     std::fclose(file);
     insert_in_order(store, places, records);

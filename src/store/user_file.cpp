@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <vector>
 #include <string_view>
 #include <unordered_set>
 
@@ -65,12 +66,41 @@ tree_row read_row(line_reader& reader, int lines_per_row)
     return row;
 }
 
-void append_row(GtkTreeStore* tree, GtkTreeIter* parent, const tree_row& row, GtkTreeIter* added)
+void insert_row(GtkTreeStore* tree, GtkTreeIter* parent, int position, const tree_row& row,
+                GtkTreeIter* added)
 {
     gtk_tree_store_insert_with_values(
-        tree, added, parent, -1, TC_PRIMARY, row.primary, TC_NAME, row.name.c_str(), TC_TYPE,
+        tree, added, parent, position, TC_PRIMARY, row.primary, TC_NAME, row.name.c_str(), TC_TYPE,
         row.type.c_str(), TC_AUTOMATIC, row.automatic, TC_PERSISTENT, row.persistent, TC_PROMPT,
         row.prompt, TC_PID, row.pid.c_str(), TC_STATUS, row.status.c_str(), TC_POLLS, row.polls, -1);
+}
+
+struct primary_group {
+    tree_row primary;
+    std::vector<tree_row> secondaries;
+};
+
+// A tree store finds the place of every new row by counting its siblings from the first,
+// so rows appended one by one make a long file slow to load. An empty tree is therefore
+// filled from the end, each row going in first, where nothing has to be counted.
+void add_groups(GtkTreeStore* tree, const std::vector<primary_group>& groups)
+{
+    const bool fill_from_end = !gtk_tree_model_iter_n_children(GTK_TREE_MODEL(tree), nullptr);
+    const int position = fill_from_end ? 0 : -1;
+    auto add_group = [&](const primary_group& group) {
+        GtkTreeIter parent, child;
+        insert_row(tree, nullptr, position, group.primary, &parent);
+        if (fill_from_end)
+            for (auto row = group.secondaries.rbegin(); row != group.secondaries.rend(); ++row)
+                insert_row(tree, &parent, 0, *row, &child);
+        else
+            for (const tree_row& row : group.secondaries)
+                insert_row(tree, &parent, -1, row, &child);
+    };
+    if (fill_from_end)
+        std::for_each(groups.rbegin(), groups.rend(), add_group);
+    else
+        std::for_each(groups.begin(), groups.end(), add_group);
 }
 
 void write_flag(FILE* stream, bool value)
@@ -106,7 +136,7 @@ void make_connection_tree(GtkTreeStore* tree, const char* path, int lines_per_ro
 
     master_index master(master_connection_list);
     bool needs_parent = true;
-    GtkTreeIter parent;
+    std::vector<primary_group> groups;
     while (reader.read_chopped()) {
         bool starts_primary = flag_line(reader);
         tree_row row = read_row(reader, lines_per_row);
@@ -120,12 +150,13 @@ void make_connection_tree(GtkTreeStore* tree, const char* path, int lines_per_ro
         needs_parent = !master.contains(row.name, row.type);
         if (needs_parent)
             continue;
-        GtkTreeIter added;
-        append_row(tree, top_level ? nullptr : &parent, row, &added);
         if (top_level)
-            parent = added;
+            groups.push_back({std::move(row), {}});
+        else
+            groups.back().secondaries.push_back(std::move(row));
     }
     std::fclose(file);
+    add_groups(tree, groups);
 }
 
 gboolean file_user_connection(GtkTreeModel* model, GtkTreePath*, GtkTreeIter* iter, gpointer stream)
