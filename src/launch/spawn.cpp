@@ -178,7 +178,11 @@ void spawn_button_cb(GtkWidget*, GtkTreeView* tree_view)
         spawn_connection(model, &iter);
 }
 
-void spawn_doubleclick_cb(GtkTreeView* tree_view, GtkTreePath*, GtkTreeViewColumn*, gpointer)
+// The activated row itself: a row activated from the keyboard need not be selected.
+void spawn_doubleclick_cb(GtkTreeView* tree_view, GtkTreePath* path, GtkTreeViewColumn*, gpointer)
 {
-    spawn_button_cb(nullptr, tree_view);
+    GtkTreeModel* model = gtk_tree_view_get_model(tree_view);
+    GtkTreeIter iter;
+    if (gtk_tree_model_get_iter(model, &iter, path))
+        spawn_connection(model, &iter);
 }
