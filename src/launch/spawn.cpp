@@ -12,6 +12,7 @@
 #include <pthread.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <unordered_map>
 #include <utility>
 
 namespace {
@@ -22,8 +23,18 @@ constexpr const char* unreachable_type = "XXX";
 // The process id as kept in the tree: five digits, the last five of a longer id.
 constexpr int pid_modulus = 100000;
 
+// The tree keeps only five digits of a process id, but systems that hand out larger
+// ids exist; the full id of each running session child is kept here by its five
+// digits, so that the status poll waits for the right process.
+std::unordered_map<int, pid_t>& session_children()
+{
+    static std::unordered_map<int, pid_t> children;
+    return children;
+}
+
 void mark_active(GtkTreeModel* model, GtkTreeIter* iter, pid_t pid)
 {
+    session_children()[pid % pid_modulus] = pid;
     char pid_text[8];
     std::snprintf(pid_text, sizeof pid_text, "%05d", static_cast<int>(pid % pid_modulus));
     gtk_tree_store_set(GTK_TREE_STORE(model), iter, TC_PID, pid_text, TC_STATUS, status_active,
@@ -185,4 +196,17 @@ void spawn_doubleclick_cb(GtkTreeView* tree_view, GtkTreePath* path, GtkTreeView
     GtkTreeIter iter;
     if (gtk_tree_model_get_iter(model, &iter, path))
         spawn_connection(model, &iter);
+}
+
+pid_t session_process_id(int pid_digits)
+{
+    auto child = session_children().find(pid_digits);
+    return child == session_children().end() ? pid_digits : child->second;
+}
+
+void forget_session(pid_t pid)
+{
+    auto child = session_children().find(pid % pid_modulus);
+    if (child != session_children().end() && child->second == pid)
+        session_children().erase(child);
 }

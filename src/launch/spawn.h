@@ -2,6 +2,7 @@
 // Starting a connection of the user's tree: fork at once, do the slow work (look-up,
 // reachability, command line, exec) in the child, record the child in the row.
 #include <gtk/gtk.h>
+#include <sys/types.h>
 
 // Child exit statuses: the connection is no longer in the master list; the session
 // program could not be started, has ended, or the server did not answer.
@@ -17,3 +18,9 @@ void spawn_button_cb(GtkWidget* button, GtkTreeView* tree_view);
 // The tree view's "row-activated" handler: as the Connect button.
 void spawn_doubleclick_cb(GtkTreeView* tree_view, GtkTreePath* path, GtkTreeViewColumn* column,
                           gpointer data);
+
+// The full process id of the running session child whose id ends in the five digits
+// kept in the tree; the digits themselves when no such child is known.
+pid_t session_process_id(int pid_digits);
+// Forgets a session child that has been reaped.
+void forget_session(pid_t pid);

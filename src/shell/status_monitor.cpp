@@ -54,7 +54,11 @@ bool session_running(const std::string& pid_text)
     auto [rest, error] = std::from_chars(first, first + pid_text.size(), pid);
     if (error != std::errc() || pid <= 0)
         return false;
-    return waitpid(pid, nullptr, WNOHANG) == 0;
+    const pid_t child = session_process_id(pid);
+    if (waitpid(child, nullptr, WNOHANG) == 0)
+        return true;
+    forget_session(child);
+    return false;
 }
 
 ended_row describe_ended_row(GtkTreeModel* model, GtkTreeIter* iter, int polls)

@@ -1,5 +1,6 @@
 #include "gui/shell_window_fixture.h"
 
+#include "launch/spawn.h"
 #include "platform/log.h"
 
 #include <cstdlib>
@@ -55,7 +56,7 @@ void shell_window_test::TearDown()
 {
     GtkTreeModel* model = GTK_TREE_MODEL(current_user_connection_tree);
     gtk_tree_model_foreach(model, [](GtkTreeModel* model, GtkTreePath*, GtkTreeIter* iter, gpointer) -> gboolean {
-        int pid = std::atoi(model_text(model, iter, TC_PID).c_str());
+        pid_t pid = session_process_id(std::atoi(model_text(model, iter, TC_PID).c_str()));
         if (pid > 0) {
             kill(pid, SIGKILL);
             waitpid(pid, nullptr, 0);

@@ -180,7 +180,7 @@ TEST_F(exit_test, signals_reach_the_exit_from_the_main_loop)
 
     // A signal that arrives while a modal dialog is open waits until it is closed.
     GtkTreeIter desk = row("0");
-    kill(std::stoi(model_text(GTK_TREE_MODEL(current_user_connection_tree), &desk, TC_PID)), SIGKILL);
+    kill(session_process_id(std::stoi(model_text(GTK_TREE_MODEL(current_user_connection_tree), &desk, TC_PID))), SIGKILL);
     gtk_tree_store_set(current_user_connection_tree, &desk, TC_PID, "0", -1);
     static std::string log_file;
     log_file = root / "tmp/zarvoca.log";

@@ -81,9 +81,9 @@ TEST_F(shell_window_test, connect_starts_the_selected_row_once)
 
     // The session ends: the next poll shows it, and the early end of a persistent
     // primary fails over to its secondary.
-    kill(std::stoi(pid), SIGKILL);
+    kill(session_process_id(std::stoi(pid)), SIGKILL);
     siginfo_t ended{};
-    waitid(P_PID, std::stoi(pid), &ended, WEXITED | WNOWAIT);
+    waitid(P_PID, session_process_id(std::stoi(pid)), &ended, WEXITED | WNOWAIT);
     update_status(current_user_connection_tree);
     EXPECT_EQ(row_text("0"), "Desk|Not Connected");
     EXPECT_EQ(row_text("0:0"), "Backup|Active");

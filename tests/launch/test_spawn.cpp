@@ -322,7 +322,7 @@ TEST_F(spawn_test, termination_signal_ends_a_waiting_child_by_default)
     spawn_connection(tree(), &iter);
     for (int i = 0; i < 200 && fake_lines().empty(); ++i)
         usleep(10 * 1000);
-    const pid_t child = std::atoi(read_tree_row(tree(), &iter).pid.c_str());
+    const pid_t child = session_process_id(std::atoi(read_tree_row(tree(), &iter).pid.c_str()));
     siginfo_t info{};
     // Only a child of ours is signalled: the row keeps just the last five digits.
     ASSERT_EQ(waitid(P_PID, child, &info, WEXITED | WNOHANG | WNOWAIT), 0);

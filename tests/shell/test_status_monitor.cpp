@@ -1,5 +1,6 @@
 #include "shell/status_monitor.h"
 
+#include "launch/spawn.h"
 #include "shell/globals.h"
 #include "store/record.h"
 
@@ -167,10 +168,10 @@ protected:
     void wait_for_sessions_to_end()
     {
         for (const tree_row& row : rows()) {
-            if (row.pid == no_process || std::ranges::count(sleepers, std::stoi(row.pid)))
+            if (row.pid == no_process || std::ranges::count(sleepers, session_process_id(std::stoi(row.pid))))
                 continue;
             siginfo_t info;
-            waitid(P_PID, std::stoi(row.pid), &info, WEXITED | WNOWAIT);
+            waitid(P_PID, session_process_id(std::stoi(row.pid)), &info, WEXITED | WNOWAIT);
         }
     }
 
