@@ -37,13 +37,13 @@ public:
             sequence_.push_back(static_cast<int>(names_.size()));
             names_.push_back(model_text(existing, &iter, MC_NAME));
         }
-        existing_rows_ = static_cast<int>(names_.size());
         for (size_t i = 1; i < sequence_.size() && sorted_; ++i)
             sorted_ = !name_after(i - 1, i);
     }
 
-    // Places the next new record, whose raw name line is key and stored name is name.
-    void place(const char* key, std::string name)
+    // Places the next new record, whose raw name line is key and stored name is name;
+    // returns its row number in the list at this moment.
+    size_t place(const char* key, std::string name)
     {
         size_t at = sorted_ ? bisect(key) : walk(key);
         // The sequence holds indexes, so that an insertion moves ints, not strings.
@@ -52,16 +52,7 @@ public:
         if (sorted_)
             sorted_ = !(at > 0 && name_after(at - 1, at)) &&
                       !(at + 1 < sequence_.size() && name_after(at, at + 1));
-    }
-
-    // Final order: -1 for a row that was in the store before, else the record number.
-    std::vector<int> order() const
-    {
-        std::vector<int> order;
-        order.reserve(sequence_.size());
-        for (int index : sequence_)
-            order.push_back(index < existing_rows_ ? -1 : index - existing_rows_);
-        return order;
+        return at;
     }
 
 private:
@@ -86,7 +77,6 @@ private:
 
     std::vector<std::string> names_;  // rows already in the store, then the new records
     std::vector<int> sequence_;       // indexes into names_, in list order
-    int existing_rows_ = 0;
     bool sorted_ = true;
 };
 
@@ -105,15 +95,6 @@ connection_record read_record(line_reader& reader, int lines_per_record)
     }
     record.from_file = true;
     return record;
-}
-
-void insert_in_order(GtkListStore* store, const insertion_order& places,
-                     const std::vector<connection_record>& records)
-{
-    const std::vector<int> order = places.order();
-    for (size_t at = 0; at < order.size(); ++at)
-        if (order[at] >= 0)
-            insert_master_row(store, static_cast<int>(at), records[order[at]]);
 }
 
 }  // namespace
@@ -136,15 +117,14 @@ void make_connection_list(GtkListStore* store, const char* path, int lines_per_r
     reader.read();
 
     insertion_order places(GTK_TREE_MODEL(store));
-    std::vector<connection_record> records;
     while (reader.read()) {
         std::string key = reader.text();
         reader.drop_last_char();
-        records.push_back(read_record(reader, lines_per_record));
-        places.place(key.c_str(), records.back()[MC_NAME]);
+        const connection_record record = read_record(reader, lines_per_record);
+        const size_t at = places.place(key.c_str(), record[MC_NAME]);
+        insert_master_row(store, static_cast<int>(at), record);
     }
     std::fclose(file);
-    insert_in_order(store, places, records);
 }
 
 void write_master_header(FILE* file)
