@@ -18,6 +18,8 @@ constexpr const char* reconnect_text = "\nPlease close this dialog when you're r
 constexpr const char* control_panels[] = {"/usr/bin/zarvocontrolpanel", "/usr/bin/xfce-setting-show"};
 constexpr int window_border = 10;
 constexpr int button_spacing = 10;
+// Tall enough for about ten connections before the list scrolls.
+constexpr int window_height = 320;
 
 // The window keeps references to the widgets that later steps of start-up extend.
 constexpr const char* tree_view_key = "kestrelle-tree-view";
@@ -147,6 +149,7 @@ void build_main_window()
     gtk_window_set_position(GTK_WINDOW(root_window), GTK_WIN_POS_CENTER);
     gtk_container_set_border_width(GTK_CONTAINER(root_window), window_border);
     gtk_window_set_icon(GTK_WINDOW(root_window), program_icon());
+    gtk_window_set_default_size(GTK_WINDOW(root_window), -1, window_height);
     g_signal_connect(root_window, "destroy", G_CALLBACK(forget_root_window), nullptr);
 
     GtkWidget* row = gtk_hbox_new(FALSE, button_spacing);
