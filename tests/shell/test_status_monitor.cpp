@@ -70,7 +70,7 @@ TEST(restart_rules, decide_what_starts_and_whether_to_prompt)
 
 enum class session { idle, running, ended };
 
-struct row_spec {
+struct row_shape {
     const char* name;
     bool secondary;  // under the last primary before it
     bool persistent;
@@ -119,24 +119,24 @@ protected:
         return pid;
     }
 
-    void build(const std::vector<row_spec>& rows)
+    void build(const std::vector<row_shape>& rows)
     {
         GtkTreeIter primary, iter;
-        for (const row_spec& spec : rows) {
-            gtk_tree_store_append(tree, &iter, spec.secondary ? &primary : nullptr);
-            if (!spec.secondary)
+        for (const row_shape& shape : rows) {
+            gtk_tree_store_append(tree, &iter, shape.secondary ? &primary : nullptr);
+            if (!shape.secondary)
                 primary = iter;
             tree_row row;
-            row.primary = !spec.secondary;
-            row.name = spec.name;
+            row.primary = !shape.secondary;
+            row.name = shape.name;
             row.type = "Other";
-            row.persistent = spec.persistent;
-            row.prompt = spec.prompt;
-            if (spec.state != session::idle) {
-                row.pid = std::to_string(child(spec.state));
+            row.persistent = shape.persistent;
+            row.prompt = shape.prompt;
+            if (shape.state != session::idle) {
+                row.pid = std::to_string(child(shape.state));
                 row.status = status_active;
             }
-            row.polls = spec.polls;
+            row.polls = shape.polls;
             write_tree_row(tree, &iter, row);
         }
     }
@@ -186,7 +186,7 @@ TEST_F(status_poll, each_rule_starts_the_right_row)
     using enum session;
     struct example {
         const char* what;
-        std::vector<row_spec> rows;
+        std::vector<row_shape> rows;
         const char* active_after;
     } table[] = {
         {"running rows stay", {{"P", false, true, false, running, 4}}, "P"},
