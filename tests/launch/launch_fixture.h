@@ -1,6 +1,6 @@
 #pragma once
-// Shared by the launcher tests: records built from a few columns, keyboard map lists
-// filled by hand, and a private root with the program's log open in it.
+// Shared by the launcher tests: records, keyboard map lists, local ports and a private
+// root with the program's log open in it.
 #include "keymaps/keymaps.h"
 #include "platform/log.h"
 #include "store/record.h"
@@ -17,17 +17,21 @@
 
 using column_values = std::initializer_list<std::pair<int, const char*>>;
 
-// A record of the given name and type with every other column empty but the given ones.
+inline connection_record with_columns(connection_record record, column_values values)
+{
+    for (const auto& [column, text] : values)
+        record[column] = text;
+    return record;
+}
+
 inline connection_record make_record(const std::string& name, const std::string& type,
                                      column_values values = {}, bool ping_first = false)
 {
     connection_record record;
     record[MC_NAME] = name;
     record[MC_TYPE] = type;
-    for (const auto& [column, text] : values)
-        record[column] = text;
     record.ping_first = ping_first;
-    return record;
+    return with_columns(record, values);
 }
 
 // A keyboard map list of (code, display name) rows.
@@ -48,26 +52,26 @@ public:
     explicit local_port(bool listening, int backlog = 16)
     {
         fd_ = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        socklen_t length = sizeof address;
-        if (bind(fd_, reinterpret_cast<sockaddr*>(&address), length) != 0 ||
-            getsockname(fd_, reinterpret_cast<sockaddr*>(&address), &length) != 0)
+        address_.sin_family = AF_INET;
+        address_.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t length = sizeof address_;
+        if (bind(fd_, reinterpret_cast<sockaddr*>(&address_), length) != 0 ||
+            getsockname(fd_, reinterpret_cast<sockaddr*>(&address_), &length) != 0)
             ADD_FAILURE() << "no local port";
-        port_ = std::to_string(ntohs(address.sin_port));
+        port_ = std::to_string(ntohs(address_.sin_port));
         if (listening)
             listen(fd_, backlog);
     }
     ~local_port() { close(fd_); }
     const char* port() const { return port_.c_str(); }
+    const sockaddr_in& address() const { return address_; }
 
 private:
     int fd_ = -1;
+    sockaddr_in address_{};
     std::string port_;
 };
 
-// A private root (KESTRELLE_ROOT) with tmp/ in it and the program's log open there.
 class rooted_log_test : public ::testing::Test {
 protected:
     void SetUp() override

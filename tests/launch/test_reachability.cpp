@@ -4,11 +4,6 @@
 
 #include <cerrno>
 #include <chrono>
-#include <gtest/gtest.h>
-#include <string>
-#include <sys/socket.h>
-#include <unistd.h>
-#include <vector>
 
 namespace {
 
@@ -31,9 +26,7 @@ TEST_F(reachability_test, smart_ping_against_local_ports)
         {"127.0.0.1", closed_port.port(), ECONNREFUSED, refused},
         // Not a number: port 0, which nothing listens on.
         {"127.0.0.1", "http", ECONNREFUSED, refused},
-        {"127.0.0.1", "", ECONNREFUSED, refused},
-        // Begins with a digit: taken as an address, never looked up; what inet_pton cannot
-        // read stays 0.0.0.0, which is this machine.
+        // Begins with a digit: never looked up; unreadable, it stays 0.0.0.0, this machine.
         {"1nosuchhost", open_port.port(), 0, ""},
     };
     for (const auto& c : cases) {
@@ -41,12 +34,7 @@ TEST_F(reachability_test, smart_ping_against_local_ports)
         EXPECT_EQ(smart_ping(c.host, c.port), c.result) << c.host << ":" << c.port;
         EXPECT_EQ(log_text().substr(before), c.log) << c.host << ":" << c.port;
     }
-}
-
-TEST_F(reachability_test, unknown_host_is_logged)
-{
-    const local_port open_port(true);
-    for (const char* host : {"no-such-host.invalid", "", "-"}) {
+    for (const char* host : {"no-such-host.invalid", ""}) {
         const size_t before = log_text().size();
         smart_ping(host, open_port.port());
         EXPECT_EQ(log_text().substr(before), std::string("Unknown host ") + host + ".\n");
@@ -58,17 +46,12 @@ TEST_F(reachability_test, unknown_host_is_logged)
 TEST_F(reachability_test, silent_server_fails_within_seconds)
 {
     const local_port busy(true, 0);
-    std::vector<int> clients;
-    for (int i = 0; i < 2; ++i) {
-        clients.push_back(socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_port = htons(static_cast<uint16_t>(std::stoi(busy.port())));
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        connect(clients.back(), reinterpret_cast<sockaddr*>(&address), sizeof address);
+    int clients[2];
+    for (int& fd : clients) {
+        fd = socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
+        connect(fd, reinterpret_cast<const sockaddr*>(&busy.address()), sizeof busy.address());
     }
     usleep(100 * 1000);
-
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(smart_ping("127.0.0.1", busy.port()), ETIMEDOUT);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
@@ -78,15 +61,14 @@ TEST_F(reachability_test, silent_server_fails_within_seconds)
         close(fd);
 }
 
-TEST_F(reachability_test, run_reachability_check_gives_the_command_status)
+TEST_F(reachability_test, run_reachability_check_gives_the_check_result)
 {
-    using method = reachability_check::method;
+    using enum reachability_check::method;
     const local_port open_port(true);
     EXPECT_EQ(run_reachability_check({}), 0);
-    EXPECT_EQ(run_reachability_check({method::icmp, "exit 3", "", ""}), 3 << 8);
-    EXPECT_EQ(run_reachability_check({method::icmp, "true", "", ""}), 0);
-    EXPECT_EQ(run_reachability_check({method::tcp, "", "127.0.0.1", open_port.port()}), 0);
-    EXPECT_EQ(run_reachability_check({method::tcp, "", "127.0.0.1", "0"}), ECONNREFUSED);
+    EXPECT_EQ(run_reachability_check({icmp, "exit 3", "", ""}), 3 << 8);
+    EXPECT_EQ(run_reachability_check({tcp, "", "127.0.0.1", open_port.port()}), 0);
+    EXPECT_EQ(run_reachability_check({tcp, "", "127.0.0.1", "0"}), ECONNREFUSED);
 }
 
 }  // namespace
