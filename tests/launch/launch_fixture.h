@@ -35,7 +35,9 @@ inline connection_record make_record(const std::string& name, const std::string&
 }
 
 // A keyboard map list of (code, display name) rows.
-inline GtkListStore* make_keymap_list(std::initializer_list<std::pair<const char*, const char*>> rows)
+using keymap_rows = std::initializer_list<std::pair<const char*, const char*>>;
+
+inline GtkListStore* make_keymap_list(keymap_rows rows)
 {
     GtkListStore* list = gtk_list_store_new(2, G_TYPE_STRING, G_TYPE_STRING);
     for (const auto& [code, name] : rows) {

@@ -15,12 +15,7 @@ TEST_F(reachability_test, smart_ping_against_local_ports)
     const local_port closed_port(false);
     const std::string refused =
         "Connection to server 127.0.0.1 failed with error Connection refused (6f).\n";
-    const struct {
-        const char* host;
-        const char* port;
-        int result;
-        std::string log;
-    } cases[] = {
+    const struct { const char *host, *port; int result; std::string log; } cases[] = {
         {"127.0.0.1", open_port.port(), 0, ""},
         {"localhost", open_port.port(), 0, ""},
         {"127.0.0.1", closed_port.port(), ECONNREFUSED, refused},
@@ -59,16 +54,6 @@ TEST_F(reachability_test, silent_server_fails_within_seconds)
               "Connection to server 127.0.0.1 failed with error Connection timed out (6e).\n");
     for (int fd : clients)
         close(fd);
-}
-
-TEST_F(reachability_test, run_reachability_check_gives_the_check_result)
-{
-    using enum reachability_check::method;
-    const local_port open_port(true);
-    EXPECT_EQ(run_reachability_check({}), 0);
-    EXPECT_EQ(run_reachability_check({icmp, "exit 3", "", ""}), 3 << 8);
-    EXPECT_EQ(run_reachability_check({tcp, "", "127.0.0.1", open_port.port()}), 0);
-    EXPECT_EQ(run_reachability_check({tcp, "", "127.0.0.1", "0"}), ECONNREFUSED);
 }
 
 }  // namespace
