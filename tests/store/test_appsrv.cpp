@@ -64,16 +64,17 @@ TEST(appsrv, representative_sections)
                   "ZLMouseMode=0\nZLKeyboardMode=1\nUseDefaultSettingForColormap=No\n"
                   "NoWindowManager=TRUE\nUseFullScreen=Yes\nAddress=citrix1\n");
 
+    // Mask 296: compression, audio, approximate colours (written only with 256 colours).
     EXPECT_EQ(ica_section(ica("Lab", {{MC_ICA_LOCATION, "browser.lan"}, {MC_SOUND, "Low"},
                                       {MC_ICA_PROTOCOL, "TCP browser"}, {MC_COLOURS, "24-bit"},
                                       {MC_ICA_PROXY_TYPE, "None (direct)"},
                                       {MC_ICA_PROXY_HOST, "unused"},
                                       {MC_ICA_AUDIO_INPUT, "Enabled"}, {MC_PROGRAM, "np.exe"},
                                       {MC_ICA_MOUSE_LATENCY, "Automatic"},
-                                      {MC_WINDOW_SIZE, "1024x768"}, {MC_ICA_MASK, "288"}})),
+                                      {MC_WINDOW_SIZE, "1024x768"}, {MC_ICA_MASK, "296"}})),
               "\n[Lab]\n" + drivers +
                   "DisableCtrlAltDel=On\nDoNotUseDefaultCSL=On\nLocTcpBrowserAddress=browser.lan\n"
-                  "BrowserProtocol=UDP\nCompress=Off\nProxyType=None\nProxyUseDefault=Off\n"
+                  "BrowserProtocol=UDP\nCompress=On\nProxyType=None\nProxyUseDefault=Off\n"
                   "EnableAudioInput=Yes\nAudioBandwidthLimit=2\nClientAudio=On\nZLMouseMode=2\n"
                   "ZLKeyboardMode=0\nDesiredColor=8\nUseDefaultSettingForColormap=No\n"
                   "DesiredHRES=1024\nDesiredVRES=768\nAddress=citrix1\nInitialProgram=np.exe\n");
@@ -119,14 +120,18 @@ TEST(appsrv, single_keys)
         {{{MC_ICA_PROXY_TYPE, "SOCKS/V5"}, {MC_ICA_ENCRYPTION, "Secure (HTTPS)"},
           {MC_ICA_PROXY_HOST, "gw.lan"}, {MC_ICA_PROXY_PORT, "8080"}},
          "ProxyType=SOCKS/\nProxyHost=gw.lan:8080\n"},
-        {{{MC_ICA_MASK, "32"}, {MC_SOUND, "Medium"}}, "AudioBandwidthLimit=1\n"},
+        {{{MC_ICA_MASK, "32"}, {MC_SOUND, "Medium"}},
+         "EnableAudioInput=Yes\nAudioBandwidthLimit=1\nClientAudio=On\n"},
+        {{{MC_ICA_PROTOCOL, "HTTP browser"}},
+         "DisableCtrlAltDel=On\nLocHttpBrowserAddress=Default\nBrowserProtocol=HTTPonTCP\n"},
         {{{MC_COLOURS, "16"}, {MC_ICA_MASK, "768"}}, "DesiredColor=1\nUseDefault"},
         {{{MC_COLOURS, "15-bit"}}, "DesiredColor=3\n"},
         {{{MC_COLOURS, "16-bit"}}, "DesiredColor=4\n"},
+        {{{MC_COLOURS, "256"}, {MC_ICA_MASK, "512"}}, "DesiredColor=2\nApproximateColors=Off\nUse"},
         {{{MC_ICA_MASK, "2"}, {MC_SERVER, "Mail"}}, "$No\nAddress=Mail\nInitialProgram=#Mail\n"},
         {{{MC_ICA_MASK, "2"}, {MC_SERVER, ""}, {MC_PROGRAM, "x.exe"}}, "$No\nAddress=\n"},
         {{{MC_ICA_MASK, "2048"}}, "$No\nAddress=citrix1\n"},
-        {{{MC_WINDOW_SIZE, "50%x"}}, "$No\nScreenPercent=50\nAddress=citrix1\n"},
+        {{{MC_WINDOW_SIZE, "50%x%"}}, "$No\nScreenPercent=50\nAddress=citrix1\n"},
         {{{MC_WINDOW_SIZE, "800x600x2"}},
          "$No\nDesiredHRES=800\nDesiredVRES=600x2\nAddress=citrix1\n"},
         {{{MC_WINDOW_SIZE, digits + "%"}}, "$No\nScreenPercent=" + digits + "\nAddress=citrix1\n"},
