@@ -38,6 +38,7 @@ TEST_F(options_test, reading_tests_lower_case_substrings_and_the_last_match_wins
         {"ZARVOSHELL=/usr/bin/kestrelle\nSHOW_TASKBAR=True\nKIOSK_BROWSER=FALSE\n", {1, 1, 0}},
         {"zarvoshell=xfce4-session\nshow_taskbar=no", {0, 0, -1}},
         {"# show_taskbar is read at login\n", {-1, 0, -1}},
+        {"# set Show_Taskbar to true to see it\n", {-1, 1, -1}},
         {"SHOW_TASKBAR=TRUE\nKIOSK_BROWSER=TRUE\nSHOW_TASKBAR=FALSE\n", {-1, 0, 1}},
         // Every key of a line sees the "true" anywhere in it.
         {"zarvoshell=Kest show_taskbar=false kiosk_browser=true\n", {1, 1, 1}},
