@@ -96,7 +96,7 @@ TEST_F(command_line_test, xdm_vectors)
     };
     write_file(root / "Xsetup", "xkbmap=be.xkm\n");
     x_setup_file = root / "Xsetup";
-    x11_keymap = 0;  // the compiling branch is seen where the launch runs xkbcomp
+    x11_keymap = 0;  // compiling the map is checked where a launch runs xkbcomp
     std::string command;
     for (const auto& c : cases) {
         command = "unchanged";
@@ -146,8 +146,8 @@ TEST_F(command_line_test, reachability_plan)
         {"Web", "80", "http://www.example.com:8080/a/b:c", "", "0", true, tcp, "www.example.com"},
         {"Web", "0", "https://intra/", "", "0", true, icmp, "ping -c 1 -q intra >/dev/null"},
         {"Web", "80", "intra/a:b", "", "0", true, tcp, "intra/a"},
-        // ICA checks the server location, as it stands, never the server column; the ping
-        // commands themselves are seen run by the launch.
+        // ICA checks the server location, as it stands, never the server column. Its ping
+        // command is checked where a launch runs it.
         {"ICA", "1494", "app", "farm1:80", "4", true, tcp, "farm1:80"},
         {"ICA", "1494", "app", "Default", "0", true, none, ""},
         {"ICA", "1494", "app", "farm1", "2054", true, none, ""},
