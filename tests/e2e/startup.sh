@@ -46,4 +46,27 @@ kill -TERM "$pid"
 collect_exit_status
 [ "$status" = 0 ] || fail "SIGTERM after the session ended: exit status $status, not 0"
 
+# A hidden shell: the master list hides the window from users. A user who administers
+# nothing and has no automatic connection gets a restart of the machine; one automatic
+# connection is enough to keep it running.
+hidden_shell() {
+  # Rights come from the group file and from a primary group of 0: neither here.
+  printf 'tester:x:%d:100:Tester:/home/user:/bin/sh\n' "$(id -u)" >"$root/etc/passwd"
+  printf 'root:x:0:\n' >"$root/etc/group"
+  ln -s "$FAKE" "$fakes/reboot"
+  { printf 'Version 1.000\nDon'\''t show GUI\nDon'\''t show taskbar\nNot kiosk\n'
+    record Intranet Web "Don't ping" 80 5=http://intranet.example.lan/; echo; } >"$root/etc/.kestrel/kestrel.master"
+  user_file "TRUE|Intranet|Web|$1|FALSE|FALSE"
+  start_kestrelle KEST_FAKE_SLEEP_MS=5000
+  wait_for 5 line_count "$argv_log" 1 || fail "nothing was started"
+  sleep 0.5
+  [ -z "$(visible_windows)" ] || fail "the hidden shell showed a window"
+}
+new_case hidden_shell_with_nothing_to_run
+hidden_shell FALSE
+expect_text "the restart" $'reboot|reboot\n' "$argv_log"
+new_case hidden_shell_with_an_automatic_connection
+hidden_shell TRUE
+expect_text "the automatic session only" $'firefox|firefox|http://intranet.example.lan/\n' "$argv_log"
+
 finish
