@@ -99,12 +99,6 @@ gboolean drain_signal_pipe(GIOChannel*, GIOCondition, gpointer)
     return run_pending_signals(nullptr);
 }
 
-void show_parent_again(GtkWidget*, gpointer parent)
-{
-    if (parent)
-        gtk_widget_show(GTK_WIDGET(parent));
-}
-
 void choose_cb(GtkWidget* button, gpointer window)
 {
     GtkComboBox* choice = GTK_COMBO_BOX(g_object_get_data(G_OBJECT(window), choice_key));
@@ -147,11 +141,8 @@ GtkWidget* make_end_session_buttons(GtkWidget* window)
 
 void open_end_session(GtkWidget* parent)
 {
-    GtkWidget* window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
-    gtk_window_set_title(GTK_WINDOW(window), "End Session");
-    gtk_window_set_position(GTK_WINDOW(window), GTK_WIN_POS_CENTER);
+    GtkWidget* window = program_window("End Session");
     gtk_container_set_border_width(GTK_CONTAINER(window), window_border);
-    gtk_window_set_icon(GTK_WINDOW(window), program_icon());
     if (parent)
         gtk_window_set_transient_for(GTK_WINDOW(window), GTK_WINDOW(parent));
     GtkWidget* column = gtk_vbox_new(FALSE, window_border);
@@ -161,9 +152,7 @@ void open_end_session(GtkWidget* parent)
     g_object_set_data(G_OBJECT(window), choice_key, choice);
     gtk_box_pack_start(GTK_BOX(column), choice, FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(column), make_end_session_buttons(window), FALSE, FALSE, 0);
-    g_signal_connect(window, "destroy", G_CALLBACK(show_parent_again), parent);
-    if (parent)
-        gtk_widget_hide(parent);
+    hide_while_open(window, parent);
     gtk_widget_show_all(window);
 }
 

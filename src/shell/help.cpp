@@ -31,11 +31,7 @@ GtkWidget* help_text_view(FILE* file)
         gtk_text_buffer_get_end_iter(buffer, &end);
         gtk_text_buffer_insert(buffer, &end, reader.c_str(), -1);
     }
-    GtkWidget* scrolled = gtk_scrolled_window_new(nullptr, nullptr);
-    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
-    gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scrolled), GTK_SHADOW_IN);
-    gtk_container_add(GTK_CONTAINER(scrolled), view);
-    return scrolled;
+    return vertical_scroller(view);
 }
 
 GtkWidget* support_label()
@@ -45,20 +41,11 @@ GtkWidget* support_label()
     return label;
 }
 
-void show_parent_again(GtkWidget*, gpointer parent)
-{
-    if (parent)
-        gtk_widget_show(GTK_WIDGET(parent));
-}
-
 }  // namespace
 
 void help_dialog(GtkWidget*, gpointer parent)
 {
-    GtkWidget* window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
-    gtk_window_set_title(GTK_WINDOW(window), "Help");
-    gtk_window_set_position(GTK_WINDOW(window), GTK_WIN_POS_CENTER);
-    gtk_window_set_icon(GTK_WINDOW(window), program_icon());
+    GtkWidget* window = program_window("Help");
     GtkWidget* column = gtk_vbox_new(FALSE, 0);
     gtk_container_add(GTK_CONTAINER(window), column);
     gtk_box_pack_start(GTK_BOX(column), gtk_label_new("Kestrelle"), FALSE, FALSE, 0);
@@ -71,8 +58,6 @@ void help_dialog(GtkWidget*, gpointer parent)
         gtk_box_pack_start(GTK_BOX(column), support_label(), TRUE, TRUE, 0);
         gtk_window_set_default_size(GTK_WINDOW(window), help_width, -1);
     }
-    g_signal_connect(window, "destroy", G_CALLBACK(show_parent_again), parent);
-    if (parent)
-        gtk_widget_hide(GTK_WIDGET(parent));
+    hide_while_open(window, static_cast<GtkWidget*>(parent));
     gtk_widget_show_all(window);
 }

@@ -102,10 +102,7 @@ GtkWidget* make_connection_view()
 
 void add_connection_list(GtkWidget* view)
 {
-    GtkWidget* scrolled = gtk_scrolled_window_new(nullptr, nullptr);
-    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
-    gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scrolled), GTK_SHADOW_IN);
-    gtk_container_add(GTK_CONTAINER(scrolled), view);
+    GtkWidget* scrolled = vertical_scroller(view);
     GtkWidget* row = gtk_bin_get_child(GTK_BIN(root_window));
     gtk_box_pack_start(GTK_BOX(row), scrolled, TRUE, TRUE, 0);
     gtk_box_reorder_child(GTK_BOX(row), scrolled, 0);
@@ -143,12 +140,9 @@ void add_buttons(GtkWidget* view)
 
 void build_main_window()
 {
-    root_window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+    root_window = program_window(product_name);
     misc_widgets[0] = root_window;
-    gtk_window_set_title(GTK_WINDOW(root_window), product_name);
-    gtk_window_set_position(GTK_WINDOW(root_window), GTK_WIN_POS_CENTER);
     gtk_container_set_border_width(GTK_CONTAINER(root_window), window_border);
-    gtk_window_set_icon(GTK_WINDOW(root_window), program_icon());
     gtk_window_set_default_size(GTK_WINDOW(root_window), -1, window_height);
     g_signal_connect(root_window, "destroy", G_CALLBACK(forget_root_window), nullptr);
 
@@ -186,6 +180,32 @@ void add_advanced_button()
     gint help_position = 0;
     gtk_container_child_get(GTK_CONTAINER(column), help, "position", &help_position, nullptr);
     gtk_box_reorder_child(GTK_BOX(column), advanced, help_position);
+}
+
+GtkWidget* program_window(const char* title)
+{
+    GtkWidget* window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+    gtk_window_set_title(GTK_WINDOW(window), title);
+    gtk_window_set_position(GTK_WINDOW(window), GTK_WIN_POS_CENTER);
+    gtk_window_set_icon(GTK_WINDOW(window), program_icon());
+    return window;
+}
+
+GtkWidget* vertical_scroller(GtkWidget* child)
+{
+    GtkWidget* scrolled = gtk_scrolled_window_new(nullptr, nullptr);
+    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
+    gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scrolled), GTK_SHADOW_IN);
+    gtk_container_add(GTK_CONTAINER(scrolled), child);
+    return scrolled;
+}
+
+void hide_while_open(GtkWidget* window, GtkWidget* other)
+{
+    if (!other)
+        return;
+    g_signal_connect_swapped(window, "destroy", G_CALLBACK(gtk_widget_show), other);
+    gtk_widget_hide(other);
 }
 
 void show_main_window()

@@ -29,3 +29,9 @@ void help_dialog(GtkWidget* button, gpointer parent);
 
 // The program's icon, for every window of its own.
 GdkPixbuf* program_icon();
+// A top-level window of the program: titled, centred on the screen, with its icon.
+GtkWidget* program_window(const char* title);
+// A sunken scrolled area around child that scrolls up and down only.
+GtkWidget* vertical_scroller(GtkWidget* child);
+// Hides other (if any) now and shows it again when window is destroyed.
+void hide_while_open(GtkWidget* window, GtkWidget* other);
