@@ -1,6 +1,6 @@
 #pragma once
-// Shared set-up of the store tests: a private root with the program's directories,
-// fresh models in the globals, and a recorder for messages.
+// The store tests run in a private root with the program's folders, fresh models in the
+// globals, and a recorder for messages.
 #include "shell/globals.h"
 #include "store/record.h"
 #include "support/test_support.h"
@@ -13,16 +13,14 @@ class store_test : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        make_dirs(root / "etc/.kestrel");
-        make_dirs(root / "tmp/.kestrel");
-        make_dirs(root / "home/ann");
+        for (const char* dir : {"etc/.kestrel", "tmp/.kestrel", "home/ann"})
+            make_dirs(root / dir);
         write_file(root / "etc/passwd", "ann:x:1000:1000::/home/ann:/bin/sh\n");
         tmp_dir = root / "tmp/.kestrel";
         ica_dir = root / "etc/.kestrel";
         current_user_filename = root / "home/ann/kestrel.inf";
         show_gui = 1;
-        show_taskbar = 0;
-        kiosk_mode = 0;
+        show_taskbar = kiosk_mode = 0;
         master_connection_list = create_master_store();
         current_user_connection_tree = create_user_tree_store();
         selected_user_connection_tree = create_user_tree_store();
@@ -35,8 +33,7 @@ protected:
         master_connection_list = nullptr;
     }
 
-    // A master record of 35 lines: name, type, ping text, then columns 3 to 34 as given
-    // (missing ones empty).
+    // A master record: name, type, ping text, then columns 3 to 34 (missing ones empty).
     static std::string record_lines(const std::string& name, const std::string& type,
                                     const std::string& ping = "Don't ping",
                                     std::vector<std::string> rest = {})
@@ -50,16 +47,6 @@ protected:
     static std::string header(const std::string& gui = "Show GUI")
     {
         return "Version 1.000\n" + gui + "\nDon't show taskbar\nNot kiosk\n";
-    }
-    std::vector<std::string> master_names_and_types() const
-    {
-        std::vector<std::string> rows;
-        GtkTreeModel* model = GTK_TREE_MODEL(master_connection_list);
-        GtkTreeIter iter;
-        for (bool more = gtk_tree_model_get_iter_first(model, &iter); more;
-             more = gtk_tree_model_iter_next(model, &iter))
-            rows.push_back(model_text(model, &iter, MC_NAME) + "/" + model_text(model, &iter, MC_TYPE));
-        return rows;
     }
     void add_master(const std::string& name, const std::string& type)
     {

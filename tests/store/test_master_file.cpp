@@ -20,25 +20,27 @@ protected:
         gtk_tree_model_iter_nth_child(GTK_TREE_MODEL(master_connection_list), &iter, nullptr, index);
         return read_master_row(GTK_TREE_MODEL(master_connection_list), &iter);
     }
+    // Each row as "name/type".
+    std::vector<std::string> rows()
+    {
+        std::vector<std::string> names;
+        for (int i = 0; i < gtk_tree_model_iter_n_children(GTK_TREE_MODEL(master_connection_list), nullptr); ++i)
+            names.push_back(row(i)[MC_NAME] + "/" + row(i)[MC_TYPE]);
+        return names;
+    }
 };
 
 TEST_F(master_file_test, loads_every_column_of_a_record)
 {
-    load(header("Don't show GUI") +
-         "Desk\nRDP\nStandard echo\n3389\n1\nsrv01\n\n\nnotepad\nC:\\\nann\nPW\nCORP\n"
-         "Full Screen\nTrue Color (24 bit)\nBring to this computer\n\n\n\n\nthin1\n\n\n\n\n\n"
-         "Use Default\nLAN (10 Mbps or higher)\nhome\nlp\nlpt1\ncom1\n-r clipboard\n01024\n0\n");
-    ASSERT_EQ(master_names_and_types(), std::vector<std::string>{"Desk/RDP"});
-    connection_record desk = row(0);
-    EXPECT_TRUE(desk.ping_first);
-    EXPECT_TRUE(desk.from_file);
-    EXPECT_EQ(desk[MC_PING_PORT], "3389");
-    EXPECT_EQ(desk[MC_SERVER], "srv01");
-    EXPECT_EQ(desk[MC_WORKDIR], "C:\\");
-    EXPECT_EQ(desk[MC_RDP_CLIENT_HOST], "thin1");
-    EXPECT_EQ(desk[MC_RDP_EXTRA_OPTIONS], "-r clipboard");
-    EXPECT_EQ(desk[MC_RDP_FLAGS], "01024");
-    EXPECT_EQ(desk[MC_ICA_MASK], "0");
+    std::vector<std::string> rest;
+    for (int c = 3; c < 35; ++c)
+        rest.push_back("column " + std::to_string(c));
+    load(header("Don't show GUI") + record_lines("Desk", "RDP", "Standard echo", rest));
+    ASSERT_EQ(rows(), std::vector<std::string>{"Desk/RDP"});
+    EXPECT_TRUE(row(0).ping_first);
+    EXPECT_TRUE(row(0).from_file);
+    for (int c = 3; c < 35; ++c)
+        EXPECT_EQ(row(0)[c], rest[c - 3]);
     EXPECT_EQ(show_gui, 0);
 }
 
@@ -47,54 +49,47 @@ TEST_F(master_file_test, header_rules)
     show_gui = 0;
     load("");
     EXPECT_EQ(show_gui, 1) << "an empty file still shows the window";
-    EXPECT_TRUE(master_names_and_types().empty());
+    EXPECT_TRUE(rows().empty());
     EXPECT_TRUE(messages.shown.empty());
 
     show_gui = 0;
     load("Version 1.001\nShow GUI\nShow taskbar\nKiosk\n" + record_lines("A", "RDP"));
     EXPECT_EQ(messages.shown, std::vector<std::string>{"\nMaster connection list version miscompare.\n"});
     EXPECT_EQ(show_gui, 0) << "a wrong version touches no global";
-    EXPECT_TRUE(master_names_and_types().empty());
+    EXPECT_TRUE(rows().empty());
 
     load(header("show gui") + record_lines("A", "Web", "standard echo"));
     EXPECT_EQ(show_gui, 0) << "the GUI line is compared exactly";
     EXPECT_FALSE(row(0).ping_first) << "the ping line is compared exactly";
-}
 
-TEST_F(master_file_test, a_missing_file_changes_nothing)
-{
-    add_master("Kept", "RDP");
-    show_gui = 0;
+    show_gui = 1;
     make_connection_list(master_connection_list, (root / "none").c_str(), 35);
-    EXPECT_EQ(master_names_and_types(), std::vector<std::string>{"Kept/RDP"});
-    EXPECT_EQ(show_gui, 0);
+    EXPECT_EQ(rows(), std::vector<std::string>{"A/Web"}) << "a missing file changes nothing";
+    EXPECT_EQ(show_gui, 1);
 }
 
-TEST_F(master_file_test, sorts_by_name_without_case_keeping_file_order_of_equal_names)
+// Types number the records in file order; rows already in the list have type "old".
+TEST_F(master_file_test, orders_by_name_without_case_and_equal_names_in_file_order)
 {
-    load(header() + record_lines("beta", "RDP") + record_lines("Alpha", "RDP") +
-         record_lines("alpha", "ICA") + record_lines("Desk", "RDP") + record_lines("Desk", "ICA"));
-    EXPECT_EQ(master_names_and_types(),
-              (std::vector<std::string>{"Alpha/RDP", "alpha/ICA", "beta/RDP", "Desk/RDP", "Desk/ICA"}));
-}
-
-TEST_F(master_file_test, names_below_the_line_end_keep_the_row_by_row_order)
-{
-    // "a\t" sorts before "a\n" but after "a": the list is no longer sorted, and each
-    // name still goes before the first row that is not less than it.
-    load(header() + record_lines("a\t", "RDP") + record_lines("a", "RDP") +
-         record_lines("a!", "RDP") + record_lines("a", "ICA"));
-    EXPECT_EQ(master_names_and_types(),
-              (std::vector<std::string>{"a\t/RDP", "a/RDP", "a/ICA", "a!/RDP"}));
-}
-
-TEST_F(master_file_test, new_rows_join_a_list_that_is_not_empty)
-{
-    add_master("b", "RDP");
-    add_master("d", "RDP");
-    load(header() + record_lines("c", "RDP") + record_lines("a", "RDP") + record_lines("e", "RDP"));
-    EXPECT_EQ(master_names_and_types(),
-              (std::vector<std::string>{"a/RDP", "b/RDP", "c/RDP", "d/RDP", "e/RDP"}));
+    const struct {
+        std::vector<std::string> present, file, expected;
+    } cases[] = {
+        {{}, {"beta", "Alpha", "alpha", "Desk", "Desk"}, {"Alpha/1", "alpha/2", "beta/0", "Desk/3", "Desk/4"}},
+        // "a\t" sorts before "a\n" but after "a": the list is no longer sorted, and each
+        // name still goes before the first row that is not less than it.
+        {{}, {"a\t", "a", "a!", "a"}, {"a\t/0", "a/1", "a/3", "a!/2"}},
+        {{"b", "d"}, {"c", "a", "e"}, {"a/1", "b/old", "c/0", "d/old", "e/2"}},
+    };
+    for (const auto& c : cases) {
+        gtk_list_store_clear(master_connection_list);
+        for (const std::string& name : c.present)
+            add_master(name, "old");
+        std::string text = header();
+        for (size_t i = 0; i < c.file.size(); ++i)
+            text += record_lines(c.file[i], std::to_string(i));
+        load(text);
+        EXPECT_EQ(rows(), c.expected);
+    }
 }
 
 // The loader places rows by bisection; it must give exactly the order of the plain
@@ -109,44 +104,36 @@ TEST_F(master_file_test, matches_the_row_by_row_walk_on_random_names)
         std::string name;
         for (int n = 1 + random() % 3; n > 0; --n)
             name += letters[random() % letters.size()];
-        std::string type = std::to_string(i);
-        text += record_lines(name, type);
+        text += record_lines(name, std::to_string(i));
         auto at = std::find_if(expected.begin(), expected.end(), [&](const std::string& row) {
             return g_ascii_strcasecmp(row.substr(0, row.find('/')).c_str(), (name + "\n").c_str()) >= 0;
         });
-        expected.insert(at, name + "/" + type);
+        expected.insert(at, name + "/" + std::to_string(i));
     }
     load(text);
-    EXPECT_EQ(master_names_and_types(), expected);
+    EXPECT_EQ(rows(), expected);
 }
 
-TEST_F(master_file_test, over_long_lines_are_skipped_once_per_load)
+TEST_F(master_file_test, over_long_lines_and_a_cut_last_record)
 {
-    std::string first(150, 'x');
-    std::string second(110, 'y');
     std::vector<std::string> rest(32);
-    rest[2] = first;   // column 5
-    rest[5] = second;  // column 8: its rest becomes column 9, and the record shifts
+    rest[2] = std::string(150, 'x');  // column 5
+    rest[5] = std::string(110, 'y');  // column 8: its rest becomes column 9, and the record shifts
     load(header() + record_lines("A", "RDP", "Don't ping", rest));
     // The shifted record leaves its last line over: it becomes a record of its own.
-    ASSERT_EQ(master_names_and_types(), (std::vector<std::string>{"/", "A/RDP"}));
-    connection_record a = row(1);
-    EXPECT_EQ(a[MC_SERVER], std::string(100, 'x'));
-    EXPECT_EQ(a[MC_PROGRAM], std::string(100, 'y'));
-    EXPECT_EQ(a[MC_WORKDIR], std::string(9, 'y')) << "the second long line is not skipped";
-    EXPECT_EQ(a[MC_USERNAME], "");
-}
+    ASSERT_EQ(rows(), (std::vector<std::string>{"/", "A/RDP"}));
+    EXPECT_EQ(row(1)[MC_SERVER], std::string(100, 'x'));
+    EXPECT_EQ(row(1)[MC_PROGRAM], std::string(100, 'y'));
+    EXPECT_EQ(row(1)[MC_WORKDIR], std::string(9, 'y')) << "the second long line is not skipped";
+    EXPECT_EQ(row(1)[MC_USERNAME], "");
 
-TEST_F(master_file_test, truncated_records_reuse_the_buffer)
-{
     // The file ends after the type line without its line end: the type loses its last
     // character, and every further column takes the buffer again, one character shorter.
+    gtk_list_store_clear(master_connection_list);
     load(header() + "Cut\nRDPX");
-    ASSERT_EQ(master_names_and_types(), std::vector<std::string>{"Cut/RDP"});
-    connection_record cut = row(0);
-    EXPECT_FALSE(cut.ping_first);
-    EXPECT_EQ(cut[MC_PING_PORT], "R");
-    EXPECT_EQ(cut[MC_PING_VALID], "");
-    EXPECT_EQ(cut[MC_ICA_MASK], "");
+    ASSERT_EQ(rows(), std::vector<std::string>{"Cut/RDP"});
+    EXPECT_FALSE(row(0).ping_first);
+    EXPECT_EQ(row(0)[MC_PING_PORT], "R");
+    EXPECT_EQ(row(0)[MC_PING_VALID], "");
 }
 }  // namespace

@@ -4,7 +4,6 @@
 #include "store_fixture.h"
 
 #include <filesystem>
-#include <functional>
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/wait.h>
@@ -15,7 +14,6 @@ namespace {
 class save_test : public store_test {
 protected:
     std::string master_text() { return read_file_text(root / "etc/.kestrel/kestrel.master"); }
-    std::string backup_text() { return read_file_text(root / "tmp/.kestrel/kestrel.bak"); }
     void add_web(const std::string& name)
     {
         connection_record record;
@@ -33,63 +31,44 @@ protected:
         "Web\nStandard echo\n80\n1\nhttp://intranet/\n\n\n\n\n\n\n\n\n\n\n\n\n\n\n\n\n\n\n\n\n\n\n\n\n\n\n\n0\n0\n";
 };
 
-TEST_F(save_test, first_save_creates_the_file_without_a_backup)
+TEST_F(save_test, writes_35_lines_a_row_after_backing_up_an_existing_file)
 {
     show_gui = 0;
     kiosk_mode = 1;
     save_master_connections();
-    EXPECT_EQ(master_text(), "Version 1.000\nDon't show GUI\nDon't show taskbar\nKiosk\n");
-    EXPECT_FALSE(std::filesystem::exists(root / "tmp/.kestrel/kestrel.bak"));
-    EXPECT_EQ(read_file_text(root / "etc/.kestrel/appsrv.ini"),
-              "[WFClient]\nVersion=1\n\n[ApplicationServers]\n");
+    const std::string first = "Version 1.000\nDon't show GUI\nDon't show taskbar\nKiosk\n";
+    EXPECT_EQ(master_text(), first);
+    EXPECT_FALSE(std::filesystem::exists(root / "tmp/.kestrel/kestrel.bak")) << "nothing to back up";
+    EXPECT_EQ(read_file_text(root / "etc/.kestrel/appsrv.ini"), "[WFClient]\nVersion=1\n\n[ApplicationServers]\n");
+
+    add_web("Intranet");
+    show_gui = show_taskbar = 1;
+    kiosk_mode = 0;
+    save_master_connections();
+    EXPECT_EQ(master_text(), "Version 1.000\nShow GUI\nShow taskbar\nNot kiosk\nIntranet\n" + web_record);
+    EXPECT_EQ(read_file_text(root / "tmp/.kestrel/kestrel.bak"), first);
     EXPECT_TRUE(messages.shown.empty());
 }
 
-TEST_F(save_test, rows_are_written_35_lines_each_after_a_backup)
+// Each failure leaves the last good master file in place where it can.
+TEST_F(save_test, failures_restore_the_backup_where_they_can)
 {
-    save_master_connections();
-    std::string before = master_text();
-    add_web("Intranet");
-    show_taskbar = 1;
-    save_master_connections();
-    EXPECT_EQ(master_text(), "Version 1.000\nShow GUI\nShow taskbar\nNot kiosk\nIntranet\n" + web_record);
-    EXPECT_EQ(backup_text(), before);
-
-    // What was saved loads back to the same rows.
-    GtkListStore* saved = master_connection_list;
-    master_connection_list = create_master_store();
-    make_connection_list(master_connection_list, (root / "etc/.kestrel/kestrel.master").c_str(), 35);
-    save_master_connections();
-    EXPECT_EQ(master_text(), "Version 1.000\nShow GUI\nShow taskbar\nNot kiosk\nIntranet\n" + web_record);
-    g_object_unref(saved);
-}
-
-TEST_F(save_test, a_failed_backup_changes_nothing)
-{
-    save_master_connections();
-    std::string before = master_text();
-    std::filesystem::remove_all(root / "tmp/.kestrel");
     add_web("Intranet");
     save_master_connections();
-    EXPECT_EQ(messages.shown, std::vector<std::string>{
-                                  "\nError backing up master connection list.\n\nChanges have not been saved.\n"});
-    EXPECT_EQ(master_text(), before);
-}
-
-TEST_F(save_test, open_failures_restore_the_backup)
-{
-    save_master_connections();
-    add_web("Intranet");
-    save_master_connections();
-    std::string before = master_text();
+    const std::string saved = master_text();
 
     ica_dir = root / "no-such-dir";
-    save_master_connections();
-    EXPECT_EQ(master_text(), before);
+    save_master_connections();  // the backup is consumed by its restore
+    EXPECT_EQ(master_text(), saved);
     ica_dir = root / "etc/.kestrel";
+
+    std::filesystem::remove_all(root / "tmp/.kestrel");
+    save_master_connections();
+    EXPECT_EQ(master_text(), saved);
+    make_dirs(root / "tmp/.kestrel");
     save_master_connections();
 
-    // Without its directory the master file can be neither written nor restored.
+    // Without its folder the master file can be neither written nor restored.
     std::filesystem::remove_all(root / "etc/.kestrel");
     save_master_connections();
     std::filesystem::remove(root / "tmp/.kestrel/kestrel.bak");
@@ -97,6 +76,7 @@ TEST_F(save_test, open_failures_restore_the_backup)
     EXPECT_EQ(messages.shown,
               (std::vector<std::string>{
                   "\nError opening appsrv.ini for writing.\n\nBackup file has been restored.\n",
+                  "\nError backing up master connection list.\n\nChanges have not been saved.\n",
                   "\nError opening master connection list for writing.\n\nBackup file could not be restored.\n",
                   "\nError opening master connection list for writing.\n"}));
 }
@@ -111,21 +91,24 @@ TEST_F(save_test, an_appsrv_write_error_keeps_the_new_master_file)
     EXPECT_EQ(master_text(), "Version 1.000\nShow GUI\nDon't show taskbar\nNot kiosk\nIntranet\n" + web_record);
 }
 
-// Runs body in a child process whose root folder is a small file system of its own,
-// and returns what the child wrote to standard output. Needs the right to mount.
-std::string in_small_file_system(const std::string& root, const std::string& size,
-                                 const std::function<std::string()>& body)
+// The save runs in a child process whose root folder is a small file system of its own
+// (mounting one needs root); the child reports the message and the master file it left.
+TEST_F(save_test, a_full_disk_restores_the_backup)
 {
+    for (int i = 0; i < 2000; ++i)
+        add_web("Site" + std::to_string(i));
     int channel[2];
-    if (pipe(channel) != 0)
-        return "no pipe";
-    pid_t child = fork();
-    if (child == 0) {
-        close(channel[0]);
+    ASSERT_EQ(pipe(channel), 0);
+    if (fork() == 0) {
         std::string report = "no mount";
         if (unshare(CLONE_NEWNS) == 0 && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-            mount("tmpfs", root.c_str(), "tmpfs", 0, ("size=" + size).c_str()) == 0)
-            report = body();
+            mount("tmpfs", root.path().c_str(), "tmpfs", 0, "size=32k") == 0) {
+            make_dirs(root / "etc/.kestrel");
+            make_dirs(root / "tmp/.kestrel");
+            write_file(root / "etc/.kestrel/kestrel.master", header());
+            save_master_connections();
+            report = messages.shown.empty() ? "no message" : messages.shown[0] + "|" + master_text();
+        }
         (void)!write(channel[1], report.data(), report.size());
         _exit(0);
     }
@@ -135,21 +118,7 @@ std::string in_small_file_system(const std::string& root, const std::string& siz
     for (ssize_t n; (n = read(channel[0], buffer, sizeof buffer)) > 0;)
         report.append(buffer, n);
     close(channel[0]);
-    waitpid(child, nullptr, 0);
-    return report;
-}
-
-TEST_F(save_test, a_full_disk_restores_the_backup)
-{
-    for (int i = 0; i < 2000; ++i)
-        add_web("Site" + std::to_string(i));
-    std::string report = in_small_file_system(root.path(), "32k", [this] {
-        make_dirs(root / "etc/.kestrel");
-        make_dirs(root / "tmp/.kestrel");
-        write_file(root / "etc/.kestrel/kestrel.master", header());
-        save_master_connections();
-        return messages.shown.empty() ? std::string("no message") : messages.shown[0] + "|" + master_text();
-    });
+    wait(nullptr);
     if (report == "no mount")
         GTEST_SKIP() << "mounting a small file system needs root";
     EXPECT_EQ(report, "\nError writing master connection list.\n\nBackup file has been restored.\n|" + header());
