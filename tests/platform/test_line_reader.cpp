@@ -8,12 +8,12 @@ namespace {
 
 // Every read of a file as the texts a reader sees, "|" after each read, "<end>" when
 // the read fails.
-std::string reads(const std::string& contents, long_line mode, bool chop, int count)
+std::string reads(const std::string& contents, long_line mode, bool chop, int count, int capacity = 102)
 {
     temp_dir dir;
     write_file(dir / "f", contents);
     FILE* file = std::fopen((dir / "f").c_str(), "r");
-    line_reader reader(file, mode);
+    line_reader reader(file, mode, capacity);
     std::string seen;
     for (int i = 0; i < count; ++i) {
         bool got = chop ? reader.read_chopped() : reader.read();
@@ -23,46 +23,35 @@ std::string reads(const std::string& contents, long_line mode, bool chop, int co
     return seen;
 }
 
-const std::string long_a(105, 'a');
-const std::string long_b(103, 'b');
-
-TEST(line_reader, long_lines_by_file_kind)
+TEST(line_reader, long_lines_line_ends_and_the_end_of_the_file)
 {
-    std::string file = long_a + "\nshort\n" + long_b + "\nlast\n";
-    // Master list and user tree: the first long line loses its rest, a later one does not.
-    EXPECT_EQ(reads(file, long_line::skip_once, true, 5),
-              std::string(100, 'a') + "|short|" + std::string(100, 'b') + "|bb|last|");
-    // wfclient.ini: every long line loses its rest.
-    EXPECT_EQ(reads(file, long_line::skip_rest, false, 4),
-              std::string(101, 'a') + "|short\n|" + std::string(101, 'b') + "|last\n|");
-    // Options and keymap files: long lines come in pieces.
-    EXPECT_EQ(reads(file, long_line::pieces, false, 3),
-              std::string(101, 'a') + "|aaaa\n|short\n|");
-}
-
-TEST(line_reader, the_end_of_the_file)
-{
-    // A last line without a line end loses its last real character; a failed read keeps
-    // the buffer, which loses one more character at each chop.
-    EXPECT_EQ(reads("one\ntwo", long_line::skip_once, true, 4), "one|tw|<end>t|<end>|");
-    EXPECT_EQ(reads("", long_line::skip_once, true, 2), "<end>|<end>|");
-    // A line of exactly 101 characters and its line end counts as long.
-    EXPECT_EQ(reads(std::string(101, 'c') + "\nx\n" + std::string(102, 'd') + "\n",
-                    long_line::skip_once, true, 4),
-              std::string(100, 'c') + "|x|" + std::string(100, 'd') + "|d|");
-}
-
-TEST(line_reader, capacity_per_file)
-{
-    temp_dir dir;
-    write_file(dir / "f", std::string(250, 'h') + "\n");
-    FILE* file = std::fopen((dir / "f").c_str(), "r");
-    line_reader reader(file, long_line::pieces, 200);
-    ASSERT_TRUE(reader.read());
-    EXPECT_EQ(reader.text(), std::string(199, 'h'));
-    ASSERT_TRUE(reader.read());
-    EXPECT_EQ(reader.line(), std::string(51, 'h'));
-    EXPECT_FALSE(reader.read());
-    std::fclose(file);
+    const std::string a(100, 'a'), b(100, 'b');
+    const std::string file = a + "aaaaa\nshort\n" + b + "bbb\nlast\n";
+    const struct {
+        std::string contents;
+        long_line mode;
+        bool chop;
+        int count;
+        std::string expected;
+    } cases[] = {
+        // Master list and user tree: the first long line loses its rest, a later one does not.
+        {file, long_line::skip_once, true, 5, a + "|short|" + b + "|bb|last|"},
+        // A line of exactly 101 characters and its line end counts as long.
+        {std::string(101, 'c') + "\nx\n" + b + "bb\n", long_line::skip_once, true, 4,
+         std::string(100, 'c') + "|x|" + b + "|b|"},
+        // wfclient.ini: every long line loses its rest.
+        {file, long_line::skip_rest, false, 4, a + "a|short\n|" + b + "b|last\n|"},
+        // Options and keymap files: long lines come in pieces.
+        {file, long_line::pieces, false, 3, a + "a|aaaa\n|short\n|"},
+        // A last line without a line end loses its last real character; a failed read keeps
+        // the buffer, which loses one more character at each chop.
+        {"one\ntwo", long_line::skip_once, true, 4, "one|tw|<end>t|<end>|"},
+        {"", long_line::skip_once, true, 2, "<end>|<end>|"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(reads(c.contents, c.mode, c.chop, c.count), c.expected) << c.contents;
+    // The buffer size is chosen per file.
+    EXPECT_EQ(reads(std::string(250, 'h') + "\n", long_line::pieces, false, 3, 200),
+              std::string(199, 'h') + "|" + std::string(51, 'h') + "\n|<end>" + std::string(51, 'h') + "\n|");
 }
 }  // namespace

@@ -25,9 +25,8 @@ TEST(users, private_databases_under_the_root)
 {
     temp_dir root;
     scoped_root rooted(root.path());
-    write_file(root / "etc/passwd",
-               "root:x:0:0:root:/root:/bin/sh\nann:x:1000:1000:Ann:/home/ann:/bin/sh\n"
-               "bob:x:1001:0::/home/bob:/bin/sh\n");
+    write_file(root / "etc/passwd", "root:x:0:0:root:/root:/bin/sh\nann:x:1000:1000:Ann:/home/ann:/bin/sh\n"
+                                    "bob:x:1001:0::/home/bob:/bin/sh\n");
     write_file(root / "etc/group", "root:x:0:bob\nshutdown:x:70:ann,carl\nreboot:x:71:\nann:x:1000:\n");
     std::optional<user_entry> ann = user_by_uid(1000);
     ASSERT_TRUE(ann);
@@ -43,11 +42,10 @@ TEST(users, private_databases_under_the_root)
     EXPECT_FALSE(group_lists_member("turnoff", "ann")) << "a missing group has no members";
 }
 
-TEST(log, appends_flushed_lines_readable_by_everyone)
+TEST(log_and_message_seams, log_lines_are_flushed_and_dialog_texts_kept)
 {
     temp_dir root;
     scoped_root rooted(root.path());
-    make_dirs(root / "tmp");
     write_file(root / "tmp/zarvoca.log", "old\n");
     ASSERT_TRUE(log_open());
     log_printf("Ping exit code %x\n", 256);
@@ -55,18 +53,16 @@ TEST(log, appends_flushed_lines_readable_by_everyone)
     log_close();
     struct stat st;
     ASSERT_EQ(stat((root / "tmp/zarvoca.log").c_str(), &st), 0);
-    EXPECT_EQ(st.st_mode & 0777, 0666u);
+    EXPECT_EQ(st.st_mode & 0777, 0666u) << "readable by everyone";
     log_printf("dropped when closed\n");
-}
 
-TEST(message_seam, label_text_is_kept_for_a_later_run)
-{
+    // A label set for a later run of the dialog is shown only then.
     message_recorder messages;
     set_error_text("\nCitrix ICA configuration error, ICAROOT not set.\n");
     EXPECT_TRUE(messages.shown.empty());
     run_error_dialog();
     show_error("\nSecond.\n");
-    EXPECT_EQ(messages.shown, (std::vector<std::string>{
-                                  "\nCitrix ICA configuration error, ICAROOT not set.\n", "\nSecond.\n"}));
+    EXPECT_EQ(messages.shown, (std::vector<std::string>{"\nCitrix ICA configuration error, ICAROOT not set.\n",
+                                                        "\nSecond.\n"}));
 }
 }  // namespace
