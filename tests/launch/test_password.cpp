@@ -78,7 +78,9 @@ TEST_F(password_test, stored_forms_by_password_length)
 TEST_F(password_test, foreign_stored_texts_are_cut_only_inside_themselves)
 {
     const std::pair<std::string, std::string> rows[] = {
+        {"a", ""},           // 'a' ^ 'a' = 0: cut to nothing
         {"aabc", "fd"},      // 'a' ^ 'c' = 2: cut
+        {"aabb", "fdj"},     // 3: the last character goes
         {"aaae", "fdiu"},    // 4, the length itself: nothing to cut
         {"a\x7f", "fz"},     // 30, past the end: uncut
         {"a\xe1", "f\xe4"},  // negative: uncut

@@ -73,9 +73,11 @@ TEST_F(user_file_test, loads_rows_promoting_or_dropping_them_by_the_master_list)
 
 TEST_F(user_file_test, save_writes_the_selected_tree_and_reloads_the_current_one)
 {
+    // Each flag column differs from the others over the two rows: a swap shows in the file
+    // and in the reloaded tree.
     const std::string home_file = root / "home/ann/kestrel.inf";
     write_file(home_file,
-               "Version 1.000\nTRUE\nMail\nRDP\nFALSE\nFALSE\nFALSE\nFALSE\nSpare\nRDP\nFALSE\nTRUE\nTRUE\n");
+               "Version 1.000\nTRUE\nMail\nRDP\nFALSE\nTRUE\nTRUE\nFALSE\nSpare\nRDP\nTRUE\nFALSE\nTRUE\n");
     make_connection_tree(selected_user_connection_tree, home_file.c_str(), 6);
     locate_key key{"Desk", "RDP", {}, FALSE};
     ASSERT_EQ(save_if_unique_connection(selected_user_connection_tree, &key), 1);
@@ -84,11 +86,11 @@ TEST_F(user_file_test, save_writes_the_selected_tree_and_reloads_the_current_one
 
     save_user_connections(nullptr, "ann");
     EXPECT_EQ(read_file_text(home_file), "Version 1.000\n"
-                                         "TRUE\nMail\nRDP\nFALSE\nFALSE\nFALSE\n"
-                                         "FALSE\nSpare\nRDP\nFALSE\nTRUE\nTRUE\n"
+                                         "TRUE\nMail\nRDP\nFALSE\nTRUE\nTRUE\n"
+                                         "FALSE\nSpare\nRDP\nTRUE\nFALSE\nTRUE\n"
                                          "TRUE\nDesk\nRDP\nFALSE\nFALSE\nFALSE\n");
-    EXPECT_EQ(shape(current_user_connection_tree), "Mail/RDP primary 0 Not Connected\n"
-                                                   "  Spare/RDP P Q 0 Not Connected\n"
+    EXPECT_EQ(shape(current_user_connection_tree), "Mail/RDP primary P Q 0 Not Connected\n"
+                                                   "  Spare/RDP A Q 0 Not Connected\n"
                                                    "Desk/RDP primary 0 Not Connected\n");
 }
 
