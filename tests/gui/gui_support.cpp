@@ -6,120 +6,109 @@
 
 namespace {
 
-void collect_buttons(GtkWidget* widget, std::vector<GtkWidget*>* buttons)
+// The first widget at or below widget that match accepts. Buttons are not entered, so
+// their captions stay out of a dialog's text.
+GtkWidget* find_below(GtkWidget* widget, const std::function<bool(GtkWidget*)>& match)
 {
-    if (GTK_IS_BUTTON(widget) && gtk_button_get_label(GTK_BUTTON(widget)))
-        buttons->push_back(widget);
-    if (GTK_IS_CONTAINER(widget)) {
-        GList* children = gtk_container_get_children(GTK_CONTAINER(widget));
-        for (GList* child = children; child; child = child->next)
-            collect_buttons(GTK_WIDGET(child->data), buttons);
-        g_list_free(children);
-    }
-}
-
-std::string label_texts(GtkWidget* widget)
-{
-    std::string text;
-    if (GTK_IS_LABEL(widget))
-        text += gtk_label_get_text(GTK_LABEL(widget));
-    // The dialog's message, not the captions of its buttons.
-    if (GTK_IS_CONTAINER(widget) && !GTK_IS_BUTTON(widget)) {
-        GList* children = gtk_container_get_children(GTK_CONTAINER(widget));
-        for (GList* child = children; child; child = child->next)
-            text += label_texts(GTK_WIDGET(child->data));
-        g_list_free(children);
-    }
-    return text;
-}
-
-struct pending_answer {
-    std::string* text;
-    int response;
-};
-
-gboolean answer_cb(gpointer data)
-{
-    auto* answer = static_cast<pending_answer*>(data);
-    GList* windows = gtk_window_list_toplevels();
-    for (GList* item = windows; item; item = item->next) {
-        GtkWidget* window = GTK_WIDGET(item->data);
-        if (GTK_IS_DIALOG(window) && gtk_widget_get_visible(window) && gtk_window_get_modal(GTK_WINDOW(window))) {
-            if (answer->text)
-                *answer->text = label_texts(window);
-            gtk_dialog_response(GTK_DIALOG(window), answer->response);
-            g_list_free(windows);
-            delete answer;
-            return FALSE;
-        }
-    }
-    g_list_free(windows);
-    return TRUE;  // not up yet: look again
-}
-
-}  // namespace
-
-void pump_events(int milliseconds)
-{
-    auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
-    do {
-        while (gtk_events_pending())
-            gtk_main_iteration_do(FALSE);
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    } while (std::chrono::steady_clock::now() < end);
-}
-
-std::vector<std::string> button_labels(GtkWidget* container)
-{
-    std::vector<GtkWidget*> buttons;
-    collect_buttons(container, &buttons);
-    std::vector<std::string> labels;
-    for (GtkWidget* button : buttons)
-        labels.push_back(gtk_button_get_label(GTK_BUTTON(button)));
-    return labels;
-}
-
-GtkWidget* find_button(GtkWidget* container, const std::string& label)
-{
-    std::vector<GtkWidget*> buttons;
-    collect_buttons(container, &buttons);
-    for (GtkWidget* button : buttons)
-        if (label == gtk_button_get_label(GTK_BUTTON(button)))
-            return button;
-    return nullptr;
-}
-
-GtkWidget* find_widget(GtkWidget* container, GType type)
-{
-    if (G_TYPE_CHECK_INSTANCE_TYPE(container, type))
-        return container;
-    if (!GTK_IS_CONTAINER(container))
+    if (match(widget))
+        return widget;
+    if (!GTK_IS_CONTAINER(widget) || GTK_IS_BUTTON(widget))
         return nullptr;
     GtkWidget* found = nullptr;
-    GList* children = gtk_container_get_children(GTK_CONTAINER(container));
+    GList* children = gtk_container_get_children(GTK_CONTAINER(widget));
     for (GList* child = children; child && !found; child = child->next)
-        found = find_widget(GTK_WIDGET(child->data), type);
+        found = find_below(GTK_WIDGET(child->data), match);
     g_list_free(children);
     return found;
 }
 
-GtkWidget* find_window(const std::string& title)
+const char* button_label(GtkWidget* widget)
 {
-    GtkWidget* found = nullptr;
+    return GTK_IS_BUTTON(widget) ? gtk_button_get_label(GTK_BUTTON(widget)) : nullptr;
+}
+
+GtkWidget* find_toplevel(const std::function<bool(GtkWidget*)>& match)
+{
     GList* windows = gtk_window_list_toplevels();
-    for (GList* item = windows; item && !found; item = item->next) {
-        GtkWindow* window = GTK_WINDOW(item->data);
-        const char* window_title = gtk_window_get_title(window);
-        if (window_title && title == window_title && gtk_widget_get_visible(GTK_WIDGET(window)))
-            found = GTK_WIDGET(window);
-    }
+    GtkWidget* found = nullptr;
+    for (GList* item = windows; item && !found; item = item->next)
+        if (gtk_widget_get_visible(GTK_WIDGET(item->data)) && match(GTK_WIDGET(item->data)))
+            found = GTK_WIDGET(item->data);
     g_list_free(windows);
     return found;
 }
 
+}  // namespace
+
+bool wait_for(const std::function<bool()>& condition, int timeout_ms)
+{
+    auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeout_ms);
+    while (!condition() && std::chrono::steady_clock::now() < end) {
+        while (gtk_events_pending())
+            gtk_main_iteration_do(FALSE);
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return condition();
+}
+
+void pump_events(int milliseconds)
+{
+    wait_for([] { return false; }, milliseconds);
+}
+
+std::vector<std::string> button_labels(GtkWidget* container)
+{
+    std::vector<std::string> labels;
+    find_below(container, [&](GtkWidget* w) {
+        if (button_label(w))
+            labels.push_back(button_label(w));
+        return false;
+    });
+    return labels;
+}
+
+std::string label_text(GtkWidget* container)
+{
+    std::string text;
+    find_below(container, [&](GtkWidget* w) {
+        if (GTK_IS_LABEL(w))
+            text += gtk_label_get_text(GTK_LABEL(w));
+        return false;
+    });
+    return text;
+}
+
+GtkWidget* find_button(GtkWidget* container, const std::string& label)
+{
+    return find_below(container, [&](GtkWidget* w) { return button_label(w) && label == button_label(w); });
+}
+
+GtkWidget* find_widget(GtkWidget* container, GType type)
+{
+    return find_below(container, [&](GtkWidget* w) { return G_TYPE_CHECK_INSTANCE_TYPE(w, type); });
+}
+
+GtkWidget* find_window(const std::string& title)
+{
+    return find_toplevel([&](GtkWidget* w) {
+        const char* window_title = gtk_window_get_title(GTK_WINDOW(w));
+        return window_title && title == window_title;
+    });
+}
+
 void answer_next_dialog(std::string* text, int response)
 {
-    g_timeout_add(50, answer_cb, new pending_answer{text, response});
+    using answer = std::pair<std::string*, int>;
+    g_timeout_add(50, [](gpointer data) -> gboolean {
+        GtkWidget* dialog = find_toplevel([](GtkWidget* w) { return GTK_IS_DIALOG(w) && gtk_window_get_modal(GTK_WINDOW(w)); });
+        if (!dialog)
+            return TRUE;  // not up yet: look again
+        auto* pending = static_cast<answer*>(data);
+        *pending->first = label_text(dialog);
+        gtk_dialog_response(GTK_DIALOG(dialog), pending->second);
+        delete pending;
+        return FALSE;
+    }, new answer(text, response));
 }
 
 void save_screenshot(GtkWidget* window, const std::string& name)
@@ -132,18 +121,6 @@ void save_screenshot(GtkWidget* window, const std::string& name)
     if (!shot)
         return;
     mkdir(KEST_SCREENSHOT_DIR, 0755);
-    std::string path = std::string(KEST_SCREENSHOT_DIR) + "/" + name + ".png";
-    gdk_pixbuf_save(shot, path.c_str(), "png", nullptr, nullptr);
+    gdk_pixbuf_save(shot, (std::string(KEST_SCREENSHOT_DIR) + "/" + name + ".png").c_str(), "png", nullptr, nullptr);
     g_object_unref(shot);
-}
-
-bool wait_for(const std::function<bool()>& condition, int timeout_ms)
-{
-    auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeout_ms);
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > end)
-            return false;
-        pump_events(20);
-    }
-    return true;
 }

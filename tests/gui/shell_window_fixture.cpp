@@ -3,32 +3,23 @@
 #include "launch/spawn.h"
 #include "platform/log.h"
 
-#include <cstdlib>
 #include <csignal>
+#include <cstdlib>
 #include <sys/stat.h>
 #include <sys/wait.h>
 
 namespace {
 
-connection_record other_connection(const std::string& name, const std::string& command)
+void add_connection(GtkTreeIter* parent, GtkTreeIter* row, const std::string& name, bool persistent)
 {
     connection_record record;
     record[MC_NAME] = name;
     record[MC_TYPE] = "Other";
     record[MC_PING_PORT] = "0";
-    record[MC_PROGRAM] = command;
-    return record;
-}
-
-void add_tree_row(GtkTreeIter* parent, GtkTreeIter* row, const std::string& name, bool persistent)
-{
+    record[MC_PROGRAM] = "sleep 4";
+    insert_master_row(master_connection_list, -1, record);
     gtk_tree_store_append(current_user_connection_tree, row, parent);
-    tree_row values;
-    values.primary = parent == nullptr;
-    values.name = name;
-    values.type = "Other";
-    values.persistent = persistent;
-    write_tree_row(current_user_connection_tree, row, values);
+    write_tree_row(current_user_connection_tree, row, {parent == nullptr, name, "Other", false, persistent});
 }
 
 }  // namespace
@@ -44,23 +35,19 @@ void shell_window_test::SetUp()
     connect_info = static_cast<char*>(g_malloc0(connect_info_size));
     misc_widgets = g_new0(GtkWidget*, 3);
     master_connection_list = create_master_store();
-    insert_master_row(master_connection_list, -1, other_connection("Backup", "sleep 4"));
-    insert_master_row(master_connection_list, -1, other_connection("Desk", "sleep 4"));
     current_user_connection_tree = create_user_tree_store();
     GtkTreeIter desk, backup;
-    add_tree_row(nullptr, &desk, "Desk", true);
-    add_tree_row(&desk, &backup, "Backup", false);
+    add_connection(nullptr, &desk, "Desk", true);
+    add_connection(&desk, &backup, "Backup", false);
 }
 
 void shell_window_test::TearDown()
 {
-    GtkTreeModel* model = GTK_TREE_MODEL(current_user_connection_tree);
-    gtk_tree_model_foreach(model, [](GtkTreeModel* model, GtkTreePath*, GtkTreeIter* iter, gpointer) -> gboolean {
+    gtk_tree_model_foreach(GTK_TREE_MODEL(current_user_connection_tree),
+                           [](GtkTreeModel* model, GtkTreePath*, GtkTreeIter* iter, gpointer) -> gboolean {
         pid_t pid = session_process_id(std::atoi(model_text(model, iter, TC_PID).c_str()));
-        if (pid > 0) {
-            kill(pid, SIGKILL);
+        if (pid > 0 && kill(pid, SIGKILL) == 0)
             waitpid(pid, nullptr, 0);
-        }
         return FALSE;
     }, nullptr);
     for (GtkWidget* window : {root_window, error_dialog, reconnect_dialog})
@@ -104,25 +91,15 @@ GtkTreeIter shell_window_test::row(const char* path) const
     return iter;
 }
 
-std::string shell_window_test::row_text(const char* path) const
+std::string shell_window_test::cell(const char* path, int column) const
 {
     GtkTreeIter iter = row(path);
-    GtkTreeModel* model = GTK_TREE_MODEL(current_user_connection_tree);
-    return model_text(model, &iter, TC_NAME) + "|" + model_text(model, &iter, TC_STATUS);
+    return model_text(GTK_TREE_MODEL(current_user_connection_tree), &iter, column);
 }
 
-void shell_window_test::add_program(const std::string& name, const std::string& body)
+void shell_window_test::add_program(const std::string& path, const std::string& body)
 {
-    std::string path = root / ("bin/" + name);
-    write_file(path, "#!/bin/sh\n" + body + "\n");
-    chmod(path.c_str(), 0755);
-}
-
-void shell_window_test::send_delete_event(GtkWidget* window)
-{
-    GdkEvent* event = gdk_event_new(GDK_DELETE);
-    event->any.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(window)));
-    event->any.send_event = TRUE;
-    gtk_main_do_event(event);
-    gdk_event_free(event);
+    make_dirs(root / path.substr(0, path.rfind('/')));
+    write_file(root / path, "#!/bin/sh\n" + body + "\n");
+    chmod((root / path).c_str(), 0755);
 }

@@ -24,13 +24,11 @@ protected:
 
     // Builds and shows the window the way start-up does, for the given mode and rights.
     void open_main_window(shell_setup setup);
-    // The view's rows: name and status, depth first.
-    std::string row_text(const char* path) const;
-    GtkTreeIter row(const char* path) const;
     GtkTreeView* view() const;
-    // Starts the fake program "name" in the root's PATH folder: a shell script body.
-    void add_program(const std::string& name, const std::string& body);
-    void send_delete_event(GtkWidget* window);
+    GtkTreeIter row(const char* path) const;
+    std::string cell(const char* path, int column) const;
+    // A shell script at this path below the root, for the programs the shell starts.
+    void add_program(const std::string& path, const std::string& body);
 
     temp_dir root;
     scoped_root rooted{root.path()};
