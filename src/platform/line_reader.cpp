@@ -41,11 +41,3 @@ bool line_reader::read_chopped()
     drop_last_char();
     return got;
 }
-
-std::string line_reader::line() const
-{
-    std::string text = buffer_.data();
-    if (!text.empty() && text.back() == '\n')
-        text.pop_back();
-    return text;
-}

@@ -38,8 +38,6 @@ public:
 
     const char* c_str() const { return buffer_.data(); }
     std::string text() const { return buffer_.data(); }
-    // The buffer without a trailing line end.
-    std::string line() const;
 
 private:
     void skip_rest_of_line();
