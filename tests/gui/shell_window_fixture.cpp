@@ -27,7 +27,6 @@ void add_connection(GtkTreeIter* parent, GtkTreeIter* row, const std::string& na
 void shell_window_test::SetUp()
 {
     make_dirs(root / "tmp/.kestrel");
-    make_dirs(root / "bin");
     tmp_dir = root / "tmp/.kestrel";
     log_open();
     old_path = std::getenv("PATH");
@@ -43,13 +42,11 @@ void shell_window_test::SetUp()
 
 void shell_window_test::TearDown()
 {
-    gtk_tree_model_foreach(GTK_TREE_MODEL(current_user_connection_tree),
-                           [](GtkTreeModel* model, GtkTreePath*, GtkTreeIter* iter, gpointer) -> gboolean {
-        pid_t pid = session_process_id(std::atoi(model_text(model, iter, TC_PID).c_str()));
+    for (const char* connection : {"0", "0:0"}) {
+        pid_t pid = session_process_id(std::stoi(cell(connection, TC_PID)));
         if (pid > 0 && kill(pid, SIGKILL) == 0)
             waitpid(pid, nullptr, 0);
-        return FALSE;
-    }, nullptr);
+    }
     for (GtkWidget* window : {root_window, error_dialog, reconnect_dialog})
         if (window)
             gtk_widget_destroy(window);
