@@ -1,6 +1,9 @@
 // One status poll over 200 running sessions: a non-blocking wait and a poll count
 // update per row.
+#include "ica/paths.h"
+#include "launch/command_line.h"
 #include "shell/globals.h"
+#include "store/models.h"
 #include "shell/status_monitor.h"
 #include "store/record.h"
 

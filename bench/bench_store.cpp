@@ -1,6 +1,9 @@
 // Loading and saving master lists (with a user tree naming every connection) of 100,
 // 1,000 and 10,000 connections. Prints milliseconds per load and per save.
+#include "ica/paths.h"
+#include "launch/command_line.h"
 #include "shell/globals.h"
+#include "store/models.h"
 #include "store/master_file.h"
 #include "store/save.h"
 #include "store/user_file.h"
@@ -27,7 +30,6 @@ struct bench_root {
         for (const char* dir : {"/etc/.kestrel", "/tmp/.kestrel", "/home/u"})
             std::filesystem::create_directories(path + dir);
         setenv("KESTRELLE_ROOT", path.c_str(), 1);
-        tmp_dir = path + "/tmp/.kestrel";
         ica_dir = path + "/etc/.kestrel";
         std::ofstream master(path + "/etc/.kestrel/kestrel.master");
         std::ofstream tree(path + "/home/u/kestrel.inf");

@@ -1,5 +1,6 @@
 #include "keymaps/keymaps.h"
 
+#include "platform/file.h"
 #include "platform/line_reader.h"
 #include "platform/message.h"
 #include "platform/paths.h"
@@ -83,13 +84,12 @@ struct keymap_entry {
     std::string description;
 };
 using keymap_entries = std::vector<keymap_entry>;
-using file_owner = std::unique_ptr<FILE, decltype(&std::fclose)>;
 
 // A directory opens for reading but holds no lines; it counts as a missing file so
 // that the next source is tried.
-file_owner open_text_file(const std::string& path)
+unique_file open_text_file(const std::string& path)
 {
-    file_owner file(std::fopen(path.c_str(), "re"), std::fclose);
+    unique_file file = open_file(path, "re");
     struct stat st;
     if (file && (fstat(fileno(file.get()), &st) != 0 || S_ISDIR(st.st_mode)))
         file.reset();
@@ -279,7 +279,7 @@ int make_x_keymap()
     x_rules_file = root_path(xkb_rules_path);
     reset_list(&keymap_list);
     for (const x_keymap_source& source : x_keymap_sources) {
-        file_owner file = open_text_file(root_path(source.path));
+        unique_file file = open_text_file(root_path(source.path));
         if (!file)
             continue;
         x11_keymap = source.from_xkb;
@@ -297,7 +297,7 @@ int make_rdesktop_keymap()
     reset_list(&rdesktop_keymap_list);
     append_row(rdesktop_keymap_list, default_code, default_name);
     keymap_entries listed;
-    file_owner list_file = open_text_file(rdesktop_map_path(rdesktop_list_name));
+    unique_file list_file = open_text_file(rdesktop_map_path(rdesktop_list_name));
     if (list_file)
         listed = read_rdesktop_list(list_file.get());
     GDir* folder = g_dir_open(rdesktop_keymap_dir.c_str(), 0, nullptr);

@@ -2,9 +2,11 @@
 
 #include "keymaps/keymaps.h"
 #include "launch/password.h"
+#include "platform/file.h"
 #include "platform/line_reader.h"
 #include "platform/paths.h"
-#include "shell/globals.h"
+#include "ica/paths.h"
+#include "store/choices.h"
 
 #include <cctype>
 #include <cstdio>
@@ -12,57 +14,20 @@
 #include <memory>
 #include <utility>
 
+std::string x_setup_file;   // found at start-up
+std::string x_config_file;  // found at start-up; nothing reads it yet
+
 namespace {
 
-// Bits of the RDP option set (column 33).
-constexpr long rdp_lpt_port = 2;
-constexpr long rdp_disk = 4;
-constexpr long rdp_printer = 8;
-constexpr long rdp_com_port = 16;
-constexpr long rdp_experience_bits = 64 | 128 | 256 | 512;
-constexpr int rdp_experience_shift = 6;
-constexpr long rdp_force_bitmaps = 1024;
-constexpr long rdp_backing_store = 2048;
-constexpr long rdp_compression = 4096;
-constexpr long rdp_bitmap_cache = 8192;
-constexpr long rdp_extra_options = 16384;
-
-// Bit of the ICA option mask: column 5 names a published application.
-constexpr long ica_published_application = 2;
-
-struct choice {
-    const char* text;      // the editor's stored text
-    const char* argument;  // what rdesktop is given for it
-};
-
-constexpr choice rdp_colours[] = {
-    {"256 Colors (8 bit)", "-a8"},
-    {"High Color (15 bit)", "-a15"},
-    {"High Color (16 bit)", "-a16"},
-    {"True Color (24 bit)", "-a24"},
-};
-constexpr choice rdp_sound[] = {
-    {"Bring to this computer", "-rsound:local"},
-    {"Leave at remote computer", "-rsound:remote"},
-};
-constexpr choice rdp_experience[] = {
-    {"Modem (28.8 Kbps)", "-xm"},
-    {"Broadband (128 Kbps - 1.5 Mbps)", "-xb"},
-    {"LAN (10 Mbps or higher)", "-xl"},
-};
-constexpr const char* rdp_custom_experience = "Custom";
-constexpr const char* rdp_full_screen = "Full Screen";
-constexpr const char* rdp_default = "Use Default";
-
-constexpr std::pair<long, const char*> rdp_switches[] = {
-    {rdp_force_bitmaps, "-b"},
-    {rdp_bitmap_cache, "-P"},
+constexpr std::pair<unsigned long, const char*> rdp_switches[] = {
+    {rdp_bitmap_caching, "-b"},
+    {rdp_persistent_bitmap_caching, "-P"},
     {rdp_compression, "-z"},
     {rdp_backing_store, "-B"},
 };
 
 struct redirection {
-    long bit;
+    unsigned long bit;
     const char* prefix;
     int column;
 };
@@ -73,24 +38,10 @@ constexpr redirection rdp_redirections[] = {
     {rdp_com_port, "-rcomport:", MC_RDP_COM},
 };
 
-constexpr const char* xdm_automatic_vt = "Automatic";
-constexpr const char* xdm_server_keyboard = "Use Server Settings";
-constexpr const char* xdm_local_keyboard = "Use Local Settings";
 constexpr const char* xdm_default_local_map = "us_intl";
 constexpr const char* xkbmap_marker = "xkbmap=";
 constexpr const char* xkm_suffix = ".xkm";
 constexpr const char* compiled_keymap = "tmp.xkm";
-
-struct xdm_mode {
-    const char* text;
-    const char* option;
-    bool names_host;
-};
-constexpr xdm_mode xdm_modes[] = {
-    {"Broadcast", "-broadcast", false},
-    {"Indirect", "-indirect", true},
-    {"Query", "-query", true},
-};
 
 // The session programs' argument vectors are fixed arrays in which the first empty
 // slot ends the vector; an empty column standing alone as an argument ends it too.
@@ -110,11 +61,11 @@ void add_prefixed(argument_vector& arguments, const char* prefix, const std::str
         arguments.push_back(prefix + value);
 }
 
-template <size_t n>
-void add_choice(argument_vector& arguments, const choice (&choices)[n], const std::string& text)
+template <typename choices>
+void add_choice(argument_vector& arguments, const choices& offered, const std::string& text)
 {
-    for (const choice& c : choices)
-        if (text == c.text)
+    for (const auto& c : offered)
+        if (text == c.text && *c.argument)
             arguments.push_back(c.argument);
 }
 
@@ -140,12 +91,12 @@ void add_window_size(argument_vector& arguments, const std::string& size)
 {
     if (size == rdp_full_screen)
         arguments.push_back("-f");
-    else if (size != rdp_default)
+    else if (size != rdp_use_default)
         add_prefixed(arguments, "-g", size);
 }
 
 // A stored bit means the feature is wanted; rdesktop is told which to switch off.
-std::string custom_experience(long flags)
+std::string custom_experience(unsigned long flags)
 {
     const long off = (~flags & rdp_experience_bits) >> rdp_experience_shift;
     char text[16];
@@ -153,12 +104,13 @@ std::string custom_experience(long flags)
     return text;
 }
 
-void add_experience(argument_vector& arguments, const std::string& experience, long flags)
+void add_experience(argument_vector& arguments, const std::string& experience,
+                    unsigned long flags)
 {
     if (experience == rdp_custom_experience)
         arguments.push_back(custom_experience(flags));
     else
-        add_choice(arguments, rdp_experience, experience);
+        add_choice(arguments, rdp_experiences, experience);
 }
 
 std::string trim(const std::string& text)
@@ -239,11 +191,9 @@ std::string session_host(const connection_record& record)
 
 }  // namespace
 
-long decimal_column(const std::string& text) { return std::strtol(text.c_str(), nullptr, 10); }
-
 argument_vector rdp_arguments(const connection_record& record)
 {
-    const long flags = decimal_column(record[MC_RDP_FLAGS]);
+    const unsigned long flags = decimal_column(record[MC_RDP_FLAGS]);
     argument_vector arguments{"rdesktop"};
     add_prefixed(arguments, "-u", record[MC_USERNAME]);
     add_prefixed(arguments, "-p", unpad_password(record[MC_PASSWORD], record[MC_NAME]));
@@ -254,7 +204,7 @@ argument_vector rdp_arguments(const connection_record& record)
     add_window_size(arguments, record[MC_WINDOW_SIZE]);
     add_choice(arguments, rdp_colours, record[MC_COLOURS]);
     add_choice(arguments, rdp_sound, record[MC_SOUND]);
-    if (record[MC_KEYBOARD] != rdp_default)
+    if (record[MC_KEYBOARD] != rdp_use_default)
         for (const std::string& code : keymap_codes(rdesktop_keymap_list, record[MC_KEYBOARD]))
             arguments.push_back("-k" + code);
     for (const auto& [bit, option] : rdp_switches)
@@ -289,8 +239,7 @@ std::string local_xkb_map(const std::string& setup_file)
     std::string map = xdm_default_local_map;
     if (setup_file.empty())
         return map;
-    std::unique_ptr<FILE, decltype(&std::fclose)> file(std::fopen(setup_file.c_str(), "re"),
-                                                        std::fclose);
+    unique_file file = open_file(setup_file, "re");
     if (!file)
         return map;
     line_reader reader(file.get(), long_line::pieces);
@@ -335,8 +284,8 @@ reachability_check plan_reachability(const connection_record& record)
     std::string host;
     std::string ping;
     if (parse_connection_type(record[MC_TYPE]) == connection_type::ica) {
-        if ((decimal_column(record[MC_ICA_MASK]) & ica_published_application) ||
-            record[MC_ICA_LOCATION] == "Default")
+        if ((decimal_column(record[MC_ICA_MASK]) & ica_published_app) ||
+            record[MC_ICA_LOCATION] == ica_default)
             return {};
         host = record[MC_ICA_LOCATION];
         // "-1" where the other types have "-q": kept as it has always been.

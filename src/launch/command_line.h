@@ -7,6 +7,11 @@
 #include <string>
 #include <vector>
 
+// The display manager's Xsetup (its keyboard map for "Use Local Settings") and the X
+// server's configuration file; "" when the machine has none. Start-up finds them.
+extern std::string x_setup_file;
+extern std::string x_config_file;
+
 // Ends at its first empty element: a column left empty where an argument stands on its
 // own ends the vector there, and what would follow is not passed.
 using argument_vector = std::vector<std::string>;
@@ -34,9 +39,6 @@ argument_vector web_arguments(const connection_record& record);
 std::string das_program();
 // Other: the stored command line, run as it stands.
 std::string other_command_line(const connection_record& record);
-
-// A decimal text column read as a number; text that is not a number counts as 0.
-long decimal_column(const std::string& text);
 
 // The reachability check a launch makes before the session starts.
 struct reachability_check {

@@ -1,7 +1,5 @@
 #include "launch/password.h"
 
-#include "shell/globals.h"
-
 #include <sys/time.h>
 
 #include <array>
@@ -10,6 +8,7 @@
 
 const char BINASCII[16] = {'0', '1', '2', '3', '4', '5', '6', '7',
                            '8', '9', 'a', 'b', 'c', 'd', 'e', 'f'};
+char seedchars[64] = {};  // filled by fill_seedchars before any password is handled
 
 namespace {
 

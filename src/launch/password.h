@@ -7,6 +7,8 @@
 
 // Lower-case hexadecimal digits of the appsrv.ini password encoding.
 extern const char BINASCII[16];
+// The crypt(3) alphabet that scrambling draws from; filled at start-up.
+extern char seedchars[64];
 
 // Fills seedchars with the crypt(3) alphabet: '.', '/', '0'..'9', 'A'..'Z', 'a'..'z'.
 void fill_seedchars();

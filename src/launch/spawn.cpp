@@ -4,7 +4,7 @@
 #include "launch/reachability.h"
 #include "platform/log.h"
 #include "platform/shell_command.h"
-#include "shell/globals.h"
+#include "store/models.h"
 #include "store/record.h"
 
 #include <csignal>

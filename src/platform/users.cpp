@@ -1,5 +1,6 @@
 #include "platform/users.h"
 
+#include "platform/file.h"
 #include "platform/paths.h"
 
 #include <cstdio>
@@ -27,13 +28,12 @@ user_entry to_entry(const passwd& pw, bool in_root)
 void for_each_passwd(const std::function<bool(const passwd&)>& visit)
 {
     if (private_databases()) {
-        FILE* file = std::fopen(root_path("/etc/passwd").c_str(), "re");
+        unique_file file = open_file(root_path("/etc/passwd"), "re");
         if (!file)
             return;
-        while (passwd* pw = fgetpwent(file))
+        while (passwd* pw = fgetpwent(file.get()))
             if (visit(*pw))
                 break;
-        std::fclose(file);
         return;
     }
     setpwent();
@@ -105,16 +105,11 @@ bool group_lists_member(const std::string& group, const std::string& user)
         ::group* gr = getgrnam(group.c_str());
         return gr && members_contain(gr->gr_mem, user);
     }
-    FILE* file = std::fopen(root_path("/etc/group").c_str(), "re");
+    unique_file file = open_file(root_path("/etc/group"), "re");
     if (!file)
         return false;
-    bool listed = false;
-    while (::group* gr = fgetgrent(file)) {
-        if (gr->gr_name && group == gr->gr_name) {
-            listed = members_contain(gr->gr_mem, user);
-            break;
-        }
-    }
-    std::fclose(file);
-    return listed;
+    while (::group* gr = fgetgrent(file.get()))
+        if (gr->gr_name && group == gr->gr_name)
+            return members_contain(gr->gr_mem, user);
+    return false;
 }

@@ -3,7 +3,8 @@
 #include "platform/log.h"
 #include "platform/shell_command.h"
 #include "shell/globals.h"
-#include "shell/main_window.h"
+#include "store/models.h"
+#include "shell/widgets.h"
 #include "shell/status_monitor.h"
 
 #include <array>
@@ -163,8 +164,6 @@ void clean_up_and_quit()
     log_close();
     g_free(misc_widgets);
     misc_widgets = nullptr;
-    g_free(connect_info);
-    connect_info = nullptr;
     if (gtk_main_level() > 0)
         gtk_main_quit();
 }

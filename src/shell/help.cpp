@@ -1,7 +1,9 @@
-#include "shell/main_window.h"
+#include "shell/help.h"
 
+#include "platform/file.h"
 #include "platform/line_reader.h"
 #include "platform/paths.h"
+#include "shell/widgets.h"
 
 #include <cstdio>
 
@@ -50,9 +52,8 @@ void help_dialog(GtkWidget*, gpointer parent)
     gtk_container_add(GTK_CONTAINER(window), column);
     gtk_box_pack_start(GTK_BOX(column), gtk_label_new("Kestrelle"), FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(column), gtk_label_new(version_text), FALSE, FALSE, 0);
-    if (FILE* file = std::fopen(root_path(help_file).c_str(), "re")) {
-        gtk_box_pack_start(GTK_BOX(column), help_text_view(file), TRUE, TRUE, 0);
-        std::fclose(file);
+    if (unique_file file = open_file(root_path(help_file), "re")) {
+        gtk_box_pack_start(GTK_BOX(column), help_text_view(file.get()), TRUE, TRUE, 0);
         gtk_window_set_default_size(GTK_WINDOW(window), help_width, help_text_height);
     } else {
         gtk_box_pack_start(GTK_BOX(column), support_label(), TRUE, TRUE, 0);

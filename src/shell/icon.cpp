@@ -1,4 +1,4 @@
-#include "shell/main_window.h"
+#include "shell/widgets.h"
 
 namespace {
 

@@ -6,6 +6,9 @@
 #include "platform/shell_command.h"
 #include "shell/exit.h"
 #include "shell/globals.h"
+#include "shell/help.h"
+#include "shell/widgets.h"
+#include "store/models.h"
 #include "store/record.h"
 
 #include <string>
@@ -180,32 +183,6 @@ void add_advanced_button()
     gint help_position = 0;
     gtk_container_child_get(GTK_CONTAINER(column), help, "position", &help_position, nullptr);
     gtk_box_reorder_child(GTK_BOX(column), advanced, help_position);
-}
-
-GtkWidget* program_window(const char* title)
-{
-    GtkWidget* window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
-    gtk_window_set_title(GTK_WINDOW(window), title);
-    gtk_window_set_position(GTK_WINDOW(window), GTK_WIN_POS_CENTER);
-    gtk_window_set_icon(GTK_WINDOW(window), program_icon());
-    return window;
-}
-
-GtkWidget* vertical_scroller(GtkWidget* child)
-{
-    GtkWidget* scrolled = gtk_scrolled_window_new(nullptr, nullptr);
-    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
-    gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scrolled), GTK_SHADOW_IN);
-    gtk_container_add(GTK_CONTAINER(scrolled), child);
-    return scrolled;
-}
-
-void hide_while_open(GtkWidget* window, GtkWidget* other)
-{
-    if (!other)
-        return;
-    g_signal_connect_swapped(window, "destroy", G_CALLBACK(gtk_widget_show), other);
-    gtk_widget_hide(other);
 }
 
 void show_main_window()

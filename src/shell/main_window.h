@@ -23,15 +23,3 @@ void system_cb(GtkWidget* button, gpointer data);
 gboolean root_window_delete_event(GtkWidget* window, GdkEvent* event, gpointer data);
 // Users without administration rights may not close the window through the window manager.
 gboolean block_close(GtkWidget* window, GdkEvent* event, gpointer data);
-
-// The help window; the main window is hidden while it is open.
-void help_dialog(GtkWidget* button, gpointer parent);
-
-// The program's icon, for every window of its own.
-GdkPixbuf* program_icon();
-// A top-level window of the program: titled, centred on the screen, with its icon.
-GtkWidget* program_window(const char* title);
-// A sunken scrolled area around child that scrolls up and down only.
-GtkWidget* vertical_scroller(GtkWidget* child);
-// Hides other (if any) now and shows it again when window is destroyed.
-void hide_while_open(GtkWidget* window, GtkWidget* other);

@@ -1,10 +1,12 @@
 #include "shell/options.h"
 
+#include "platform/file.h"
 #include "platform/line_reader.h"
 #include "platform/message.h"
 #include "platform/paths.h"
 #include "platform/shell_command.h"
 #include "shell/globals.h"
+#include "store/models.h"
 
 #include <algorithm>
 #include <cctype>
@@ -53,14 +55,12 @@ const char* true_false(int flag) { return flag ? "TRUE" : "FALSE"; }
 
 // A directory opens for reading but holds no lines; it counts as no options file, so
 // that saving cannot replace the settings by the two keys alone.
-FILE* open_options_for_reading()
+unique_file open_options_for_reading()
 {
-    FILE* file = std::fopen(root_path(options_file).c_str(), "re");
+    unique_file file = open_file(root_path(options_file), "re");
     struct stat st;
-    if (file && (fstat(fileno(file), &st) != 0 || S_ISDIR(st.st_mode))) {
-        std::fclose(file);
+    if (file && (fstat(fileno(file.get()), &st) != 0 || S_ISDIR(st.st_mode)))
         return nullptr;
-    }
     return file;
 }
 
@@ -112,10 +112,10 @@ void append_missing_keys(const keys_seen& seen, FILE* out)
 }
 
 // Closes the copy; false when any write to it failed, buffered ones included.
-bool close_cleanly(FILE* out)
+bool close_cleanly(unique_file out)
 {
-    bool failed = std::fflush(out) != 0 || std::ferror(out);
-    failed = std::fclose(out) != 0 || failed;
+    bool failed = std::fflush(out.get()) != 0 || std::ferror(out.get());
+    failed = std::fclose(out.release()) != 0 || failed;
     return !failed;
 }
 
@@ -135,33 +135,30 @@ void replace_options_file(const std::string& temp_path)
 
 void parse_zarvooptions()
 {
-    FILE* in = open_options_for_reading();
+    unique_file in = open_options_for_reading();
     if (!in)
         return;
-    line_reader reader(in, long_line::pieces);
+    line_reader reader(in.get(), long_line::pieces);
     while (reader.read())
         apply_options_line(lower_case(reader.text()));
-    std::fclose(in);
 }
 
 void write_zarvooptions()
 {
-    FILE* in = open_options_for_reading();
+    unique_file in = open_options_for_reading();
     if (!in)
         return;
     const std::string temp_path = root_path(options_temp_file);
-    FILE* out = std::fopen(temp_path.c_str(), "we");
-    if (!out) {
-        std::fclose(in);
+    unique_file out = open_file(temp_path, "we");
+    if (!out)
         return;
-    }
     keys_seen seen;
-    line_reader reader(in, long_line::pieces);
+    line_reader reader(in.get(), long_line::pieces);
     while (reader.read())
-        copy_options_line(reader.text(), out, seen);
-    std::fclose(in);
-    append_missing_keys(seen, out);
-    if (!close_cleanly(out)) {
+        copy_options_line(reader.text(), out.get(), seen);
+    in.reset();
+    append_missing_keys(seen, out.get());
+    if (!close_cleanly(std::move(out))) {
         show_error(write_error_message);
         return;
     }

@@ -1,6 +1,8 @@
 #include "shell/startup.h"
 
+#include "ica/paths.h"
 #include "keymaps/keymaps.h"
+#include "launch/command_line.h"
 #include "launch/password.h"
 #include "launch/spawn.h"
 #include "platform/log.h"
@@ -14,6 +16,7 @@
 #include "shell/options.h"
 #include "shell/status_monitor.h"
 #include "store/master_file.h"
+#include "store/models.h"
 #include "store/user_file.h"
 
 #include <cstdio>
@@ -28,7 +31,6 @@ constexpr int user_lines_per_row = 6;
 
 user_entry read_identity()
 {
-    connect_info = static_cast<char*>(g_malloc0(connect_info_size));
     misc_widgets = g_new0(GtkWidget*, 3);
     std::optional<user_entry> user = user_by_uid(getuid());
     if (!user) {

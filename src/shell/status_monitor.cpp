@@ -3,6 +3,7 @@
 #include "launch/spawn.h"
 #include "shell/globals.h"
 #include "shell/main_window.h"
+#include "store/models.h"
 #include "store/record.h"
 
 #include <algorithm>

@@ -1,6 +1,7 @@
 #include "store/appsrv.h"
 
 #include "launch/password.h"
+#include "store/choices.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -9,32 +10,12 @@
 
 namespace {
 
-// Option bits of the ICA mask column.
-enum ica_option : unsigned long {
-    ica_published_app = 0x2,
-    ica_ctrl_alt_del = 0x4,
-    ica_compress = 0x8,
-    ica_persistent_cache = 0x10,
-    ica_client_audio = 0x20,
-    ica_alternate_address = 0x80,
-    ica_approximate_on = 0x100,
-    ica_approximate_off = 0x200,
-    ica_default_colormap = 0x400,
-    ica_seamless = 0x800,
-};
-
 // The password is copied into a buffer of this size (at most 511 characters).
 constexpr size_t password_buffer_size = 512;
 // The encoding of 253 characters is 4 + 2 * 254 = 512 digits: with the NUL, 513 bytes.
 constexpr uint16_t encoded_buffer_size = 513;
 // The window size is searched for "%" and "x" in this many bytes only.
 constexpr size_t window_size_search = 102;
-
-// Column 34 as a decimal number; text that is not a number counts as 0.
-unsigned long option_mask(const std::string& text)
-{
-    return static_cast<unsigned long>(std::strtol(text.c_str(), nullptr, 10));
-}
 
 std::string key_line(const char* key, const std::string& value)
 {
@@ -52,14 +33,14 @@ const char* latency_mode(const std::string& text)
 std::string browser_lines(const connection_record& r)
 {
     std::string lines;
-    if (r[MC_ICA_LOCATION] != "Default")
+    if (r[MC_ICA_LOCATION] != ica_default)
         lines += "DoNotUseDefaultCSL=On\n";
     const std::string& protocol = r[MC_ICA_PROTOCOL];
     if (protocol == "SSL/TLS + HTTPS browser")
         lines += "SSLEnable=On\n";
     if (protocol == "TCP browser")
         lines += key_line("LocTcpBrowserAddress", r[MC_ICA_LOCATION]) + "BrowserProtocol=UDP\n";
-    else if (protocol != "Default")
+    else if (protocol != ica_default)
         lines += key_line("LocHttpBrowserAddress", r[MC_ICA_LOCATION]) +
                  "BrowserProtocol=HTTPonTCP\n";
     return lines;
@@ -80,7 +61,7 @@ std::string proxy_type_text(const connection_record& r)
 
 std::string proxy_lines(const connection_record& r)
 {
-    if (r[MC_ICA_PROXY_TYPE] == "Default")
+    if (r[MC_ICA_PROXY_TYPE] == ica_default)
         return "ProxyUseDefault=On\n";
     const std::string type = proxy_type_text(r);
     std::string lines = key_line("ProxyType", type);
@@ -117,7 +98,7 @@ const char* desired_color(const std::string& colours)
 std::string colour_lines(const connection_record& r, unsigned long mask)
 {
     std::string lines;
-    if (r[MC_COLOURS] != "Default") {
+    if (r[MC_COLOURS] != ica_default) {
         const std::string value = desired_color(r[MC_COLOURS]);
         lines += key_line("DesiredColor", value);
         if (value == "2" && (mask & ica_approximate_on))
@@ -199,11 +180,11 @@ void write_appsrv_header(FILE* file, GtkTreeModel* master)
 
 std::string ica_section(const connection_record& r)
 {
-    const unsigned long mask = option_mask(r[MC_ICA_MASK]);
+    const unsigned long mask = decimal_column(r[MC_ICA_MASK]);
     std::string s = "\n[" + r[MC_NAME] + "]\n";
     s += "WinStationDriver=ICA 3.0\n";
     s += "TransportDriver=TCP/IP\n";
-    s += key_line("DisableCtrlAltDel", mask & ica_ctrl_alt_del ? "Off" : "On");
+    s += key_line("DisableCtrlAltDel", mask & ica_smartcard_logon ? "Off" : "On");
     s += browser_lines(r);
     s += line_if_set("EncryptionLevelSession", r[MC_ICA_ENCRYPTION]);
     s += key_line("Compress", on_off(mask & ica_compress));

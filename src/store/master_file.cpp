@@ -1,9 +1,10 @@
 #include "store/master_file.h"
 
+#include "platform/file.h"
 #include "platform/line_reader.h"
 #include "platform/message.h"
-#include "shell/globals.h"
 #include "store/appsrv.h"
+#include "store/models.h"
 
 #include <algorithm>
 #include <cstring>
@@ -101,13 +102,12 @@ connection_record read_record(line_reader& reader, int lines_per_record)
 
 void make_connection_list(GtkListStore* store, const char* path, int lines_per_record)
 {
-    FILE* file = std::fopen(path, "re");
+    unique_file file = open_file(path, "re");
     if (!file)
         return;
-    line_reader reader(file, long_line::skip_once);
+    line_reader reader(file.get(), long_line::skip_once);
     if (reader.read() && std::strcmp(reader.c_str(), version_line) != 0) {
         show_error("\nMaster connection list version miscompare.\n");
-        std::fclose(file);
         return;
     }
     show_gui = TRUE;
@@ -124,7 +124,17 @@ void make_connection_list(GtkListStore* store, const char* path, int lines_per_r
         const size_t at = places.place(key.c_str(), record[MC_NAME]);
         insert_master_row(store, static_cast<int>(at), record);
     }
-    std::fclose(file);
+}
+
+int master_insert_position(GtkTreeModel* list, const std::string& name)
+{
+    GtkTreeIter iter;
+    int position = 0;
+    for (bool more = gtk_tree_model_get_iter_first(list, &iter); more;
+         more = gtk_tree_model_iter_next(list, &iter), ++position)
+        if (!name_less(model_text(list, &iter, MC_NAME), name.c_str()))
+            return position;
+    return -1;
 }
 
 void write_master_header(FILE* file)

@@ -3,12 +3,17 @@
 #include "store/record.h"
 
 #include <cstdio>
+#include <string>
 
 inline constexpr const char* master_file_path = "/etc/.kestrel/kestrel.master";
 
 // Loads the file at path into store, keeping the rows sorted by name without regard
 // to case. The only caller passes 35 lines per record.
 void make_connection_list(GtkListStore* store, const char* path, int lines_per_record);
+
+// Where a connection added by an editor goes: before the first row whose name is not
+// less than name, compared without regard to case; -1 (the end) when there is none.
+int master_insert_position(GtkTreeModel* list, const std::string& name);
 
 // The pair of open files a save writes: the master file, then appsrv.ini.
 struct master_save_files {

@@ -2,6 +2,7 @@
 
 #include "platform/message.h"
 
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 
@@ -186,6 +187,11 @@ int save_if_unique_connection(GtkTreeStore* tree, locate_key* key)
     gtk_tree_store_append(tree, &iter, nullptr);
     write_tree_row(tree, &iter, row);
     return 1;
+}
+
+unsigned long decimal_column(const std::string& text)
+{
+    return static_cast<unsigned long>(std::strtol(text.c_str(), nullptr, 10));
 }
 
 bool find_master_row(GtkListStore* list, const std::string& name, const std::string& type,

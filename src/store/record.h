@@ -129,6 +129,10 @@ gboolean locate_in_tree(GtkTreeModel* model, GtkTreePath* path, GtkTreeIter* ite
 // in which case the user is told and 0 is returned.
 int save_if_unique_connection(GtkTreeStore* tree, locate_key* key);
 
+// A decimal text column read as a number (option bits, ports); text that is not a
+// number counts as 0.
+unsigned long decimal_column(const std::string& text);
+
 // Finds the master row of (name, type); exact, case-sensitive comparison.
 bool find_master_row(GtkListStore* list, const std::string& name, const std::string& type,
                      GtkTreeIter* found);

@@ -1,11 +1,13 @@
 #include "store/save.h"
 
+#include "ica/paths.h"
+#include "platform/file.h"
 #include "platform/message.h"
 #include "platform/paths.h"
 #include "platform/shell_command.h"
-#include "shell/globals.h"
 #include "store/appsrv.h"
 #include "store/master_file.h"
+#include "store/models.h"
 
 #include <cstdio>
 #include <string>
@@ -50,32 +52,31 @@ void save_master_connections()
     save_paths paths;
     if (!back_up_master(paths))
         return;
-    FILE* master = std::fopen(paths.master.c_str(), "we");
+    unique_file master = open_file(paths.master, "we");
     if (!master) {
         restore_backup(paths, "\nError opening master connection list for writing.\n");
         return;
     }
-    FILE* appsrv = std::fopen(paths.appsrv.c_str(), "we");
+    unique_file appsrv = open_file(paths.appsrv, "we");
     if (!appsrv) {
-        std::fclose(master);
+        master.reset();
         restore_backup(paths, "\nError opening appsrv.ini for writing.\n");
         return;
     }
     GtkTreeModel* list = GTK_TREE_MODEL(master_connection_list);
-    write_master_header(master);
-    write_appsrv_header(appsrv, list);
-    master_save_files files{master, appsrv};
+    write_master_header(master.get());
+    write_appsrv_header(appsrv.get(), list);
+    master_save_files files{master.get(), appsrv.get()};
     gtk_tree_model_foreach(list, file_master_connection, &files);
 
-    std::fflush(master);
-    if (std::ferror(master))
+    std::fflush(master.get());
+    if (std::ferror(master.get()))
         // The backup goes back while the stream is still open; closing it afterwards
         // writes nothing more into the restored file.
         restore_backup(paths, "\nError writing master connection list.\n");
-    std::fclose(master);
+    master.reset();
 
-    std::fflush(appsrv);
-    if (std::ferror(appsrv))
+    std::fflush(appsrv.get());
+    if (std::ferror(appsrv.get()))
         show_error("\nError writing appsrv.ini.\n\nYou may be able to free some disk space and try again.\n");
-    std::fclose(appsrv);
 }

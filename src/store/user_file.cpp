@@ -1,9 +1,10 @@
 #include "store/user_file.h"
 
+#include "platform/file.h"
 #include "platform/line_reader.h"
 #include "platform/message.h"
 #include "platform/users.h"
-#include "shell/globals.h"
+#include "store/models.h"
 
 #include <algorithm>
 #include <cstring>
@@ -119,19 +120,17 @@ void write_text(FILE* stream, const std::string& text)
 
 void make_connection_tree(GtkTreeStore* tree, const char* path, int lines_per_row)
 {
-    FILE* file = std::fopen(path, "re");
+    unique_file file = open_file(path, "re");
     if (!file)
         return;
-    line_reader reader(file, long_line::skip_once);
-    if (!reader.read()) {
-        std::fclose(file);
+    line_reader reader(file.get(), long_line::skip_once);
+    if (!reader.read())
         return;
-    }
     // A file without a version line is of the older format: no Prompt line per row.
     bool old_format = std::strstr(reader.c_str(), "Version") == nullptr;
     if (old_format) {
         --lines_per_row;
-        std::rewind(file);
+        std::rewind(file.get());
     }
 
     master_index master(master_connection_list);
@@ -155,7 +154,7 @@ void make_connection_tree(GtkTreeStore* tree, const char* path, int lines_per_ro
         else
             groups.back().secondaries.push_back(std::move(row));
     }
-    std::fclose(file);
+    file.reset();
     add_groups(tree, groups);
 }
 
@@ -175,21 +174,21 @@ gboolean file_user_connection(GtkTreeModel* model, GtkTreePath*, GtkTreeIter* it
 void save_user_connections(GtkWidget*, const char* user_name)
 {
     std::optional<user_entry> user = user_by_name(user_name ? user_name : "");
-    FILE* file = user ? std::fopen((user->home + user_file_name).c_str(), "we") : nullptr;
+    unique_file file = user ? open_file(user->home + user_file_name, "we") : nullptr;
     if (!file) {
         show_error("\nCouldn't open user connection tree for writing.\n");
         return;
     }
-    std::fputs("Version 1.000\n", file);
-    gtk_tree_model_foreach(GTK_TREE_MODEL(selected_user_connection_tree), file_user_connection, file);
+    std::fputs("Version 1.000\n", file.get());
+    gtk_tree_model_foreach(GTK_TREE_MODEL(selected_user_connection_tree), file_user_connection,
+                           file.get());
     // Flush before the test: a full disk shows only when the buffer is written.
-    std::fflush(file);
-    if (std::ferror(file)) {
-        std::fclose(file);
+    std::fflush(file.get());
+    if (std::ferror(file.get())) {
         show_error("\nError writing user connection tree.\n");
         return;
     }
-    std::fclose(file);
+    file.reset();
     gtk_tree_store_clear(current_user_connection_tree);
     make_connection_tree(current_user_connection_tree, current_user_filename.c_str(),
                          current_lines_per_row);

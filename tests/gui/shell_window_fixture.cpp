@@ -31,7 +31,6 @@ void shell_window_test::SetUp()
     log_open();
     old_path = std::getenv("PATH");
     setenv("PATH", (root / "bin:" + old_path).c_str(), 1);
-    connect_info = static_cast<char*>(g_malloc0(connect_info_size));
     misc_widgets = g_new0(GtkWidget*, 3);
     master_connection_list = create_master_store();
     current_user_connection_tree = create_user_tree_store();
@@ -54,9 +53,7 @@ void shell_window_test::TearDown()
     root_window = error_dialog = reconnect_dialog = nullptr;
     g_object_unref(master_connection_list);
     g_object_unref(current_user_connection_tree);
-    g_free(connect_info);
     g_free(misc_widgets);
-    connect_info = nullptr;
     misc_widgets = nullptr;
     log_close();
     setenv("PATH", old_path.c_str(), 1);

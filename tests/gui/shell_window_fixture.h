@@ -2,7 +2,10 @@
 // A private root, the globals of a started shell and its main window, for one user
 // with a primary connection "Desk" and its secondary "Backup" (both "Other" commands).
 #include "gui/gui_support.h"
+#include "ica/paths.h"
+#include "launch/command_line.h"
 #include "shell/globals.h"
+#include "store/models.h"
 #include "shell/main_window.h"
 #include "store/record.h"
 #include "support/test_support.h"

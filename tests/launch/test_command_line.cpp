@@ -2,7 +2,10 @@
 
 #include "launch/password.h"
 #include "launch_fixture.h"
+#include "ica/paths.h"
+#include "launch/command_line.h"
 #include "shell/globals.h"
+#include "store/models.h"
 
 namespace {
 

@@ -1,6 +1,8 @@
 #include "launch/password.h"
 
-#include "shell/globals.h"
+#include "ica/paths.h"
+#include "launch/password.h"
+#include "store/models.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,9 @@
 #include "shell/startup.h"
 
+#include "ica/paths.h"
+#include "launch/command_line.h"
 #include "shell/globals.h"
+#include "store/models.h"
 #include "support/test_support.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,10 @@
 #include "shell/status_monitor.h"
 
 #include "launch/spawn.h"
+#include "ica/paths.h"
+#include "launch/command_line.h"
 #include "shell/globals.h"
+#include "store/models.h"
 #include "store/record.h"
 
 #include <cerrno>

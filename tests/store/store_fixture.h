@@ -1,7 +1,9 @@
 #pragma once
 // The store tests run in a private root with the program's folders, fresh models in the
 // globals, and a recorder for messages.
-#include "shell/globals.h"
+#include "ica/paths.h"
+#include "launch/password.h"
+#include "store/models.h"
 #include "store/record.h"
 #include "support/test_support.h"
 
@@ -16,7 +18,6 @@ protected:
         for (const char* dir : {"etc/.kestrel", "tmp/.kestrel", "home/ann"})
             make_dirs(root / dir);
         write_file(root / "etc/passwd", "ann:x:1000:1000::/home/ann:/bin/sh\n");
-        tmp_dir = root / "tmp/.kestrel";
         ica_dir = root / "etc/.kestrel";
         current_user_filename = root / "home/ann/kestrel.inf";
         show_gui = 1;

@@ -1,0 +1,5 @@
+#include "ica/paths.h"
+
+std::string ica_dir = "/etc/.kestrel";
+std::string wfclient_file = "/etc/.kestrel/wfclient.ini";
+std::string ica_root;

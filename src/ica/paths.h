@@ -1,0 +1,8 @@
+#pragma once
+// Where the Citrix files are: the ICA client's installation and the folder of the
+// appsrv.ini and wfclient.ini that this program writes. Start-up sets them.
+#include <string>
+
+extern std::string ica_dir;        // "/etc/.kestrel", root prefix applied
+extern std::string wfclient_file;  // ica_dir + "/wfclient.ini"
+extern std::string ica_root;       // the Citrix client's installation directory

@@ -1,0 +1,34 @@
+#pragma once
+// The builders every window of the program uses, so that each window is put together
+// the same way: title, icon and placement, scrolled lists, fixed choices, the Save and
+// Cancel row, and the main window hidden while another one is open.
+#include <gtk/gtk.h>
+
+#include <string>
+#include <vector>
+
+// The program's icon, for every window of its own.
+GdkPixbuf* program_icon();
+// A top-level window of the program: titled, centred on the screen, with its icon.
+GtkWidget* program_window(const char* title);
+// A sunken scrolled area around child that scrolls up and down only.
+GtkWidget* vertical_scroller(GtkWidget* child);
+// Hides other (if any) now and shows it again when window is destroyed.
+void hide_while_open(GtkWidget* window, GtkWidget* other);
+
+// A drop-down whose entry cannot be typed in, only chosen from, starting at initial
+// (or the first choice when initial is not among them).
+GtkWidget* fixed_choice_combo(const std::vector<std::string>& choices, const std::string& initial);
+// The text of a combo built with an entry ("" when none).
+std::string combo_text(GtkWidget* combo);
+// Shows text in the combo's entry, whether or not it is one of its choices.
+void set_combo_text(GtkWidget* combo, const std::string& text);
+
+// A button with a mnemonic label; clicked calls handler with data.
+GtkWidget* labelled_button(const char* label, GCallback handler, gpointer data);
+// A row of buttons at the end of a window: "_Save" (the default button) then
+// "_Cancel", with their handlers.
+GtkWidget* save_cancel_row(GtkWidget* window, GCallback save, GCallback cancel, gpointer data);
+
+// A modal Yes/No question; true only for Yes (No and closing the box are false).
+bool ask_yes_no(GtkWindow* parent, const std::string& question);
