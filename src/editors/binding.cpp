@@ -1,0 +1,71 @@
+#include "editors/binding.h"
+
+#include "launch/password.h"
+#include "shell/widgets.h"
+
+#include <cstdio>
+
+namespace {
+
+std::string entry_text(GtkWidget* entry) { return gtk_entry_get_text(GTK_ENTRY(entry)); }
+
+void set_entry_text(GtkWidget* entry, const std::string& text)
+{
+    gtk_entry_set_text(GTK_ENTRY(entry), text.c_str());
+}
+
+}  // namespace
+
+void fill_widgets(std::span<const column_binding> table, GtkWidget* const* widgets,
+                  const connection_record& record, unsigned long flags)
+{
+    for (const column_binding& b : table) {
+        GtkWidget* widget = widgets[b.widget];
+        switch (b.kind) {
+        case bind::text:
+        case bind::text_if_bit:
+            set_entry_text(widget, record[b.column]);
+            break;
+        case bind::combo_text:
+            set_combo_text(widget, record[b.column]);
+            break;
+        case bind::password:
+            set_entry_text(widget, unpad_password(record[b.column], record[MC_NAME]));
+            break;
+        case bind::check_bit:
+            gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(widget), (flags & b.bit) != 0);
+            break;
+        }
+    }
+}
+
+void read_widgets(std::span<const column_binding> table, GtkWidget* const* widgets,
+                  connection_record& record, unsigned long flags)
+{
+    for (const column_binding& b : table) {
+        GtkWidget* widget = widgets[b.widget];
+        switch (b.kind) {
+        case bind::text:
+            record[b.column] = entry_text(widget);
+            break;
+        case bind::text_if_bit:
+            record[b.column] = (flags & b.bit) ? entry_text(widget) : "";
+            break;
+        case bind::combo_text:
+            record[b.column] = combo_text(widget);
+            break;
+        case bind::password:
+            record[b.column] = pad_password(entry_text(widget), record[MC_NAME]);
+            break;
+        case bind::check_bit:
+            break;  // the bits are kept by the boxes' handlers
+        }
+    }
+}
+
+std::string five_digits(unsigned long flags)
+{
+    char text[24];
+    std::snprintf(text, sizeof text, "%05lu", flags);
+    return text;
+}

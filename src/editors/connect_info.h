@@ -1,0 +1,14 @@
+#pragma once
+// The scratch record of the connection being edited. One editor is open at a time, so
+// the editors and the windows they open (printers, server locations) share it.
+#include "store/record.h"
+
+#include <array>
+#include <string>
+
+struct connection_info {
+    std::array<std::string, MC_COUNT> text{};  // one text per setting, by master column
+    unsigned long flags = 0;                  // the open editor's option bits
+};
+
+extern connection_info connect_info;
