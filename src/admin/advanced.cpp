@@ -85,10 +85,26 @@ GtkWidget* user_view()
 
 GtkTreeSelection* selection_of(GtkWidget* view) { return gtk_tree_view_get_selection(GTK_TREE_VIEW(view)); }
 
-// An icon button named by its stock item, so that screen readers read its name.
+// An icon button named by its stock item: screen readers read the item's label, and
+// the tooltip shows it.
 GtkWidget* stock_button(const char* stock, GCallback handler, gpointer data)
 {
-    GtkWidget* button = gtk_button_new_from_stock(stock);
+    GtkWidget* button = gtk_button_new();
+    gtk_container_add(GTK_CONTAINER(button), gtk_image_new_from_stock(stock, GTK_ICON_SIZE_BUTTON));
+    GtkStockItem item;
+    if (gtk_stock_lookup(stock, &item)) {
+        gchar* name = g_strdup(item.label);
+        // The label without its mnemonic underscore.
+        gchar* rest = name;
+        for (gchar* c = name; *c; ++c)
+            if (*c != '_')
+                *rest++ = *c;
+        *rest = '\0';
+        gtk_widget_set_tooltip_text(button, name);
+        atk_object_set_name(gtk_widget_get_accessible(button), name);
+        gtk_widget_set_name(button, stock);
+        g_free(name);
+    }
     g_signal_connect(button, "clicked", handler, data);
     return button;
 }
@@ -102,14 +118,15 @@ GtkWidget* button_row(std::initializer_list<GtkWidget*> buttons)
     return row;
 }
 
+// Icon buttons stacked in the middle of the height they are given.
 GtkWidget* button_column(std::initializer_list<GtkWidget*> buttons)
 {
-    GtkWidget* column = gtk_vbutton_box_new();
-    gtk_button_box_set_layout(GTK_BUTTON_BOX(column), GTK_BUTTONBOX_CENTER);
-    gtk_box_set_spacing(GTK_BOX(column), spacing);
+    GtkWidget* column = gtk_vbox_new(TRUE, spacing);
     for (GtkWidget* button : buttons)
         gtk_box_pack_start(GTK_BOX(column), button, FALSE, FALSE, 0);
-    return column;
+    GtkWidget* centred = gtk_alignment_new(0.5, 0.5, 0.0, 0.0);
+    gtk_container_add(GTK_CONTAINER(centred), column);
+    return centred;
 }
 
 GtkWidget* framed_box(const char* title, GtkWidget* child)
@@ -210,11 +227,14 @@ void cancel_cb(GtkWidget*, gpointer window) { gtk_widget_destroy(GTK_WIDGET(wind
 GtkWidget* closing_buttons(advanced_parts* parts)
 {
     GtkWidget* citrix = labelled_button("Citrix _Global Settings", nullptr, nullptr);
-    GtkWidget* row = button_row({citrix, labelled_button("_Save", G_CALLBACK(save_user_cb), parts->chooser),
-                                 labelled_button("_Cancel", G_CALLBACK(cancel_cb), parts->window),
-                                 labelled_button("_Ok", G_CALLBACK(ok_cb), parts)});
-    gtk_button_box_set_layout(GTK_BUTTON_BOX(row), GTK_BUTTONBOX_END);
-    return row;
+    GtkWidget* row = gtk_hbox_new(FALSE, spacing);
+    for (GtkWidget* button : {citrix, labelled_button("_Save", G_CALLBACK(save_user_cb), parts->chooser),
+                              labelled_button("_Cancel", G_CALLBACK(cancel_cb), parts->window),
+                              labelled_button("_Ok", G_CALLBACK(ok_cb), parts)})
+        gtk_box_pack_start(GTK_BOX(row), button, FALSE, FALSE, 0);
+    GtkWidget* bottom_aligned = gtk_alignment_new(1.0, 1.0, 0.0, 0.0);
+    gtk_container_add(GTK_CONTAINER(bottom_aligned), row);
+    return bottom_aligned;
 }
 
 // The views let go of the models first, so that reloading the master list does not
