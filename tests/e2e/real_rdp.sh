@@ -63,8 +63,21 @@ main_window_is() {
   [ "$(pixels_differing "$1" "$work/main-now.png")" = 0 ]
 }
 
+# show_logs: what Kestrelle and the server logged, for a run that failed.
+show_logs() {
+  local file
+  for file in "$log" "$server/xrdp.out" "$server/xrdp.log"; do
+    [ -f "$file" ] && { echo "== $file"; tail -20 "$file"; } >&2
+  done
+  return 0
+}
+
 new_case real_session
-port=$("$private_xrdp" start "$server" "Kestrelle test server")
+port=$("$private_xrdp" start "$server" "Kestrelle test server") || {
+  fail "the private xrdp did not start"
+  show_logs
+  finish
+}
 password=Sesame42
 # Columns: 5 server, 10 user name, 11 password (stored form), 13 size, 14 colours,
 # 26 keyboard. "Real Desktop" is persistent; "Second Desktop" is not and has "Standby"
@@ -151,4 +164,5 @@ sleep 1
 [ -z "$(session_window)" ] || fail "a session window is open without a server"
 cp "$work/main-now.png" "$SCREENSHOTS/real_rdp_failover.png"
 
+[ "$failures" -eq 0 ] || show_logs
 finish
