@@ -1,0 +1,83 @@
+// Where a row lands when it moves up or down in the administered tree, and what the
+// two rows exchange.
+#include "admin/tree_moves.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// Primary 0 with two secondaries, primary 1 alone, primary 2 with one secondary.
+const tree_shape shape{2, 0, 1};
+constexpr tree_position p(int primary, int secondary = -1) { return {primary, secondary}; }
+
+TEST(tree_moves, targets_up_and_down)
+{
+    struct move {
+        tree_position from;
+        std::optional<tree_position> up, down;
+    } table[] = {
+        {p(0), std::nullopt, p(0, 0)},    // the very first row cannot go up
+        {p(0, 0), p(0), p(0, 1)},         // a first secondary goes up to its primary
+        {p(0, 1), p(0, 0), p(1)},         // the last secondary goes down to the next primary
+        {p(1), p(0, 1), p(2)},            // up into the previous primary's last secondary;
+                                          // down onto a primary with secondaries, not into it
+        {p(2), p(1), p(2, 0)},
+        {p(2, 0), p(2), std::nullopt},    // nothing after the last row
+    };
+    for (const move& m : table) {
+        EXPECT_EQ(move_up_target(shape, m.from), m.up) << m.from.primary << "," << m.from.secondary;
+        EXPECT_EQ(move_down_target(shape, m.from), m.down) << m.from.primary << "," << m.from.secondary;
+    }
+}
+
+tree_row row(const char* name, bool flags, const char* pid)
+{
+    tree_row r;
+    r.name = name;
+    r.type = "RDP";
+    r.automatic = r.persistent = r.prompt = flags;
+    r.pid = pid;
+    r.status = std::string(pid) == "0" ? "Not Connected" : "Active";
+    r.polls = flags ? 7 : 0;
+    return r;
+}
+
+TEST(tree_moves, exchange_keeps_position_flags_and_applies_start_flag_rules)
+{
+    struct exchange {
+        bool up, selected_secondary, target_secondary;
+        bool selected_after, target_after;  // Auto and Persistent at each position afterwards
+    } table[] = {
+        // Both primaries: the start flags travel with their connections.
+        {true, false, false, true, false},
+        {false, false, false, true, false},
+        // A secondary moving up to its primary takes the primary position's flags.
+        {true, true, false, false, true},
+        {true, true, true, false, false},
+        // Moving down onto a secondary, the connection arriving above takes the flags.
+        {false, false, true, false, false},
+        {false, true, true, false, false},
+    };
+    for (const exchange& e : table) {
+        tree_row selected = row("Mover", false, "0");
+        tree_row target = row("Other", true, "01234");
+        exchange_rows(selected, target, e.up, e.selected_secondary, e.target_secondary);
+        SCOPED_TRACE(testing::Message() << e.up << e.selected_secondary << e.target_secondary);
+        EXPECT_EQ(selected.name, "Other");
+        EXPECT_EQ(selected.pid, "01234");
+        EXPECT_EQ(selected.status, "Active");
+        EXPECT_EQ(target.name, "Mover");
+        EXPECT_EQ(target.pid, "0");
+        EXPECT_EQ(selected.automatic, e.selected_after);
+        EXPECT_EQ(selected.persistent, e.selected_after);
+        EXPECT_EQ(target.automatic, e.target_after);
+        EXPECT_EQ(target.persistent, e.target_after);
+        // Prompt and the poll count stay with the position.
+        EXPECT_FALSE(selected.prompt);
+        EXPECT_TRUE(target.prompt);
+        EXPECT_EQ(selected.polls, 0);
+        EXPECT_EQ(target.polls, 7);
+    }
+}
+
+}  // namespace

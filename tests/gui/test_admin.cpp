@@ -1,0 +1,370 @@
+// The administrator's windows driven as an administrator would, with the files on disk
+// compared byte for byte.
+#include "admin/advanced.h"
+#include "admin/ping_options.h"
+#include "editors/connections.h"
+#include "editors/editors.h"
+#include "gui/admin_fixture.h"
+#include "platform/paths.h"
+#include "shell/globals.h"
+#include "shell/widgets.h"
+#include "store/models.h"
+
+#include <cstdio>
+
+namespace {
+
+const std::string desk = admin_test::record("Desk", "RDP", true, "3389", {{5, "desk.example"}, {33, "04608"}});
+const std::string intranet = admin_test::record("Intranet", "Web", false, "8080", {{5, "http://intranet.example/"}});
+const std::string tools = admin_test::record("Tools", "Other", false, "80", {{8, "xterm -e top"}});
+const std::string desk_with_tools =
+    "Version 1.000\nTRUE\nDesk\nRDP\nFALSE\nTRUE\nFALSE\nFALSE\nTools\nOther\nFALSE\nFALSE\nFALSE\n";
+
+class advanced_test : public admin_test {
+protected:
+    void SetUp() override
+    {
+        admin_test::SetUp();
+        load(master(desk + intranet + tools), desk_with_tools);
+    }
+    void type_into(GtkWidget* window, const char* name, const char* text)
+    {
+        gtk_entry_set_text(GTK_ENTRY(named(window, name)), text);
+    }
+    // Adds a connection through the type chooser; returns the editor window.
+    GtkWidget* open_new_editor(GtkWidget* advanced, const char* choice, const char* title)
+    {
+        click(advanced, "_Add");
+        GtkWidget* chooser = find_window("Add Connection");
+        EXPECT_NE(chooser, nullptr);
+        if (!chooser)
+            return nullptr;
+        set_combo_text(named(chooser, "type"), choice);
+        click(chooser, "_Ok");
+        return find_window(title);
+    }
+    std::string tree_row_name(const char* path)
+    {
+        GtkTreeIter iter;
+        if (!gtk_tree_model_get_iter_from_string(GTK_TREE_MODEL(selected_user_connection_tree), &iter, path))
+            return "";
+        return model_text(GTK_TREE_MODEL(selected_user_connection_tree), &iter, TC_NAME);
+    }
+};
+
+TEST_F(advanced_test, new_web_and_das_connections_are_saved_sorted_and_offered_to_the_user)
+{
+    GtkWidget* advanced = open_advanced();
+    ASSERT_NE(advanced, nullptr);
+    EXPECT_FALSE(gtk_widget_get_visible(root_window));
+    save_screenshot(advanced, "advanced");
+
+    GtkWidget* web = open_new_editor(advanced, "Firefox", "Web connection");
+    ASSERT_NE(web, nullptr);
+    EXPECT_FALSE(gtk_widget_get_visible(advanced));
+    type_into(web, "value", "http://wiki.example/start");
+    type_into(web, "name", "Wiki");
+    save_screenshot(web, "web_editor");
+    click(web, "_Save");
+    EXPECT_EQ(find_window("Web connection"), nullptr);
+    EXPECT_TRUE(gtk_widget_get_visible(advanced));
+
+    GtkWidget* das_editor = open_new_editor(advanced, "DAS", "DAS connection");
+    ASSERT_NE(das_editor, nullptr);
+    type_into(das_editor, "name", "Client");
+    save_screenshot(das_editor, "das_editor");
+    click(das_editor, "_Save");
+
+    const std::string wiki = record("Wiki", "Web", false, "80", {{5, "http://wiki.example/start"}});
+    const std::string client = record("Client", "DAS", true, "1494");
+    EXPECT_EQ(master_file(), master(client + desk + intranet + tools + wiki));
+    EXPECT_EQ(read_file_text(root / "etc/.kestrel/appsrv.ini"), "[WFClient]\nVersion=1\n\n[ApplicationServers]\n");
+    EXPECT_EQ(user_file("admin"), desk_with_tools + "TRUE\nWiki\nWeb\nFALSE\nFALSE\nFALSE\n" +
+                                      "TRUE\nClient\nDAS\nFALSE\nFALSE\nFALSE\n");
+    EXPECT_TRUE(messages->shown.empty());
+}
+
+TEST_F(advanced_test, a_new_name_must_be_given_and_free_for_its_type)
+{
+    GtkWidget* advanced = open_advanced();
+    struct attempt {
+        const char* choice;
+        const char* title;
+        const char* name;
+        const char* refusal;  // nullptr: saved
+    } table[] = {
+        {"Firefox", "Web connection", "", "\nPlease enter a name for this connection.\n"},
+        {"Firefox", "Web connection", "Intranet", "\nA connection with that name and type already exists.\n"},
+        {"Other", "Other connection", "Intranet", nullptr},  // the same name with another type
+        {"Other", "Other connection", "intranet", nullptr},  // names differ by case
+    };
+    for (const attempt& a : table) {
+        messages->shown.clear();
+        GtkWidget* editor = open_new_editor(advanced, a.choice, a.title);
+        ASSERT_NE(editor, nullptr);
+        type_into(editor, "value", "kept");
+        type_into(editor, "name", a.name);
+        click(editor, "_Save");
+        GtkWidget* still_open = find_window(a.title);
+        if (a.refusal) {
+            EXPECT_EQ(messages->shown, std::vector<std::string>{a.refusal});
+            ASSERT_EQ(still_open, editor);
+            EXPECT_STREQ(gtk_entry_get_text(GTK_ENTRY(named(editor, "value"))), "kept");
+            click(editor, "_Cancel");
+        } else {
+            EXPECT_TRUE(messages->shown.empty()) << a.name;
+            EXPECT_EQ(still_open, nullptr);
+        }
+    }
+    EXPECT_EQ(gtk_tree_model_iter_n_children(GTK_TREE_MODEL(master_connection_list), nullptr), 5);
+}
+
+// Each editor fills its controls from a record and writes the same columns back: a
+// swapped column shows here. Columns 0 to 4 are never changed by an edit.
+struct round_trip_case {
+    const char* type;
+    void (*open)(GtkWidget*, GtkTreeModel*, GtkTreePath*);
+    std::map<int, std::string> columns;  // the editor's columns; the others come back "" or "0"
+};
+
+TEST_F(advanced_test, every_editor_writes_back_the_columns_it_shows)
+{
+    const round_trip_case table[] = {
+        {"Web", web_dialog, {{5, "http://start.example/page"}}},
+        {"Other", other_dialog, {{8, "/usr/bin/xterm -e htop"}}},
+    };
+    for (const round_trip_case& c : table) {
+        SCOPED_TRACE(c.type);
+        connection_record stored;
+        for (int column = 0; column < MC_COUNT; ++column)
+            stored[column] = "column " + std::to_string(column);
+        stored[MC_PING] = stored[MC_FROM_FILE] = "";  // boolean columns: no text
+        stored[MC_NAME] = "Round";
+        stored[MC_TYPE] = c.type;
+        stored.ping_first = true;
+        stored.from_file = true;
+        for (const auto& [column, text] : c.columns)
+            stored[column] = text;
+        gtk_list_store_clear(master_connection_list);
+        insert_master_row(master_connection_list, -1, stored);
+        GtkTreePath* path = gtk_tree_path_new_first();
+        c.open(nullptr, GTK_TREE_MODEL(master_connection_list), path);
+        gtk_tree_path_free(path);
+        GtkWidget* editor = find_window(std::string(c.type) + " connection");
+        ASSERT_NE(editor, nullptr);
+        EXPECT_FALSE(gtk_widget_get_sensitive(named(editor, "name")));
+        click(editor, "_Save");
+
+        GtkTreeIter first;
+        ASSERT_TRUE(gtk_tree_model_get_iter_first(GTK_TREE_MODEL(master_connection_list), &first));
+        const connection_record saved = read_master_row(GTK_TREE_MODEL(master_connection_list), &first);
+        connection_record expected = stored;
+        for (int column = MC_SERVER; column <= MC_ICA_MASK; ++column) {
+            auto own = c.columns.find(column);
+            expected[column] = own != c.columns.end() ? own->second : column >= MC_RDP_FLAGS ? "0" : "";
+        }
+        EXPECT_EQ(saved.col, expected.col);
+        EXPECT_TRUE(saved.ping_first);
+        EXPECT_TRUE(saved.from_file);
+    }
+}
+
+TEST_F(advanced_test, delete_removes_the_connection_from_the_file_and_both_trees)
+{
+    GtkWidget* advanced = open_advanced();
+    select(advanced, "available-connections", "2");  // Tools
+    click(advanced, "_Delete");
+    EXPECT_EQ(master_file(), master(desk + intranet));
+    for (GtkTreeStore* tree : {current_user_connection_tree, selected_user_connection_tree})
+        EXPECT_EQ(gtk_tree_model_iter_n_children(GTK_TREE_MODEL(tree), nullptr), 1);
+    // Nothing else is offered: a DAS row has no editor, and Edit without a selection
+    // does nothing.
+    gtk_tree_selection_unselect_all(gtk_tree_view_get_selection(GTK_TREE_VIEW(named(advanced, "available-connections"))));
+    click(advanced, "_Edit");
+    EXPECT_EQ(find_window("Web connection"), nullptr);
+}
+
+TEST_F(advanced_test, assigning_ordering_and_flags_are_saved_for_the_chosen_user)
+{
+    GtkWidget* advanced = open_advanced();
+    GtkWidget* user_view = named(advanced, "user-connections");
+    select(advanced, "available-connections", "1");  // Intranet
+    click(advanced, "gtk-go-forward");
+    click(advanced, "gtk-go-forward");  // a second time: refused
+    EXPECT_EQ(messages->shown, std::vector<std::string>{"\nA connection with that name and type already exists.\n"});
+    EXPECT_EQ(tree_row_name("1"), "Intranet");
+
+    // Up from the first secondary swaps it with its primary.
+    select(advanced, "user-connections", "0:0");
+    click(advanced, "gtk-go-up");
+    EXPECT_EQ(tree_row_name("0"), "Tools");
+    EXPECT_EQ(tree_row_name("0:0"), "Desk");
+    // Down from the last secondary lands on the next primary.
+    select(advanced, "user-connections", "0:0");
+    click(advanced, "gtk-go-down");
+    EXPECT_EQ(tree_row_name("0:0"), "Intranet");
+    EXPECT_EQ(tree_row_name("1"), "Desk");
+
+    // Flags only on primaries; Prompt only with Persistent; Persistent clears Prompt.
+    prompt_cb(nullptr, g_strdup("1"), selected_user_connection_tree);
+    automatic_cb(nullptr, g_strdup("0:0"), selected_user_connection_tree);
+    persistent_cb(nullptr, g_strdup("1"), selected_user_connection_tree);
+    prompt_cb(nullptr, g_strdup("1"), selected_user_connection_tree);
+    automatic_cb(nullptr, g_strdup("0"), selected_user_connection_tree);
+    // Promote the secondary (after its primary); demoting the first row does nothing.
+    primary_cb(nullptr, g_strdup("0:0"), user_view);
+    primary_cb(nullptr, g_strdup("0"), user_view);
+    click(advanced, "_Save");
+    EXPECT_TRUE(find_window("Advanced Configuration"));
+    EXPECT_EQ(user_file("admin"), "Version 1.000\n"
+                                  "TRUE\nTools\nOther\nTRUE\nTRUE\nFALSE\n"
+                                  "TRUE\nIntranet\nWeb\nFALSE\nFALSE\nFALSE\n"
+                                  "TRUE\nDesk\nRDP\nFALSE\nTRUE\nTRUE\n");
+    // Demoting makes a primary the last secondary of the one before, with its flags
+    // cleared; one with secondaries is refused.
+    primary_cb(nullptr, g_strdup("2"), user_view);
+    EXPECT_EQ(tree_row_name("1:0"), "Desk");
+    primary_cb(nullptr, g_strdup("1"), user_view);
+    EXPECT_EQ(messages->shown.back(),
+              "\nPlease remove or promote secondary connections before demoting this connection.\n");
+    // Moving left drops a primary with its secondaries.
+    select(advanced, "user-connections", "1");
+    click(advanced, "gtk-go-back");
+    EXPECT_EQ(tree_row_name("0"), "Tools");
+    EXPECT_EQ(gtk_tree_model_iter_n_children(GTK_TREE_MODEL(selected_user_connection_tree), nullptr), 1);
+}
+
+TEST_F(advanced_test, users_are_chosen_from_the_password_database)
+{
+    EXPECT_EQ(administered_users(), (std::vector<std::string>{"Zed", "admin", "bob"}));
+    GtkWidget* advanced = open_advanced();
+    GtkWidget* chooser = named(advanced, "user");
+    EXPECT_EQ(combo_text(chooser), "admin");
+    set_combo_text(chooser, "bob");
+    EXPECT_EQ(selected_user_name, "bob");
+    EXPECT_EQ(gtk_tree_model_iter_n_children(GTK_TREE_MODEL(selected_user_connection_tree), nullptr), 0);
+    select(advanced, "available-connections", "0");
+    click(advanced, "gtk-go-forward");
+    click(advanced, "_Save");
+    EXPECT_EQ(user_file("bob"), "Version 1.000\nTRUE\nDesk\nRDP\nFALSE\nFALSE\nFALSE\n");
+    // A user whose home does not exist: the message, and nothing else changes.
+    set_combo_text(chooser, "Zed");
+    click(advanced, "_Save");
+    EXPECT_EQ(messages->shown, std::vector<std::string>{"\nCouldn't open user connection tree for writing.\n"});
+    EXPECT_EQ(user_file("admin"), desk_with_tools);
+}
+
+TEST_F(advanced_test, leaving_restores_the_running_user_and_the_saved_master_list)
+{
+    struct leaving {
+        const char* button;
+        bool saved;
+    } table[] = {{"_Ok", true}, {"_Cancel", false}};
+    for (const leaving& l : table) {
+        std::remove((root / "home/bob/kestrel.inf").c_str());
+        GtkWidget* advanced = open_advanced();
+        ASSERT_EQ(misc_widgets[0], advanced);
+        set_combo_text(named(advanced, "user"), "bob");
+        select(advanced, "available-connections", "1");
+        click(advanced, "gtk-go-forward");
+        // A change of the list in memory that no save wrote is undone by the reload.
+        GtkTreeIter first;
+        gtk_tree_model_get_iter_first(GTK_TREE_MODEL(master_connection_list), &first);
+        gtk_list_store_remove(master_connection_list, &first);
+        click(advanced, l.button);
+        EXPECT_EQ(find_window("Advanced Configuration"), nullptr);
+        EXPECT_TRUE(gtk_widget_get_visible(root_window));
+        EXPECT_EQ(misc_widgets[0], root_window);
+        EXPECT_EQ(selected_user_name, "admin");
+        EXPECT_EQ(gtk_tree_model_iter_n_children(GTK_TREE_MODEL(master_connection_list), nullptr), 3);
+        EXPECT_EQ(path_exists(root / "home/bob/kestrel.inf"), l.saved) << l.button;
+    }
+}
+
+TEST_F(advanced_test, running_sessions_are_asked_about_first)
+{
+    GtkTreeIter first;
+    gtk_tree_model_get_iter_first(GTK_TREE_MODEL(current_user_connection_tree), &first);
+    gtk_tree_store_set(current_user_connection_tree, &first, TC_PID, "00123", TC_STATUS, "Active", -1);
+    std::string question;
+    answer_next_dialog(&question, GTK_RESPONSE_NO);
+    EXPECT_EQ(open_advanced(), nullptr);
+    EXPECT_EQ(question, "Changes made while connections are active may not take effect until those connections "
+                        "are restarted, will cause the status of existing connections to be improperly "
+                        "reported, and may cause other unpredictable behavior.\n\nDo you still want to continue?");
+    answer_next_dialog(&question, GTK_RESPONSE_YES);
+    EXPECT_NE(open_advanced(), nullptr);
+}
+
+TEST_F(advanced_test, show_user_interface_is_saved_in_the_master_list)
+{
+    GtkWidget* advanced = open_advanced();
+    gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(named(advanced, "show-interface")), FALSE);
+    EXPECT_EQ(show_gui, 0);
+    EXPECT_EQ(master_file(), master(desk + intranet + tools, "Don't show GUI"));
+}
+
+// "Ping First" and the Ping Options window, by what the administrator does.
+TEST_F(advanced_test, ping_first_and_its_options)
+{
+    struct ping_case {
+        const char* row;        // Desk RDP (on, 3389), Intranet Web (off, 8080), Tools Other (off, 80)
+        const char* action;     // what is done in the window: "", "_Save", "_Cancel", "close"
+        bool window, check;     // whether the window opened, and its box
+        const char* shown_port; // the entry when it opened
+        bool ping_after;
+        const char* port_after;
+    } table[] = {
+        {"0", "", false, false, "", false, "3389"},                  // turned off: no window
+        {"1", "_Save", true, true, "80", true, "80"},                // a stored port shows the default
+        {"2", "_Cancel", true, true, "0", false, "80"},              // Cancel turns the ping off again
+        {"1", "close", true, true, "80", true, "80"},                // closing keeps it on
+    };
+    GtkWidget* advanced = open_advanced();
+    for (const ping_case& p : table) {
+        SCOPED_TRACE(p.row);
+        if (!gtk_widget_get_visible(advanced))
+            gtk_widget_show(advanced);
+        GtkTreeIter row;
+        ASSERT_TRUE(gtk_tree_model_get_iter_from_string(GTK_TREE_MODEL(master_connection_list), &row, p.row));
+        if (std::string(p.action) == "close")  // from off again, so that it opens
+            gtk_list_store_set(master_connection_list, &row, MC_PING, FALSE, -1);
+        smart_ping_dialog(nullptr, g_strdup(p.row), advanced);
+        GtkWidget* window = find_window("Ping Options");
+        ASSERT_EQ(window != nullptr, p.window);
+        if (window) {
+            EXPECT_FALSE(gtk_widget_get_visible(advanced));
+            EXPECT_EQ(gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(named(window, "smart-ping"))), p.check);
+            EXPECT_STREQ(gtk_entry_get_text(GTK_ENTRY(named(window, "port"))), p.shown_port);
+            if (std::string(p.action) == "close")
+                gtk_widget_destroy(window);
+            else
+                click(window, p.action);
+            EXPECT_TRUE(gtk_widget_get_visible(advanced));
+        }
+        EXPECT_EQ(model_flag(GTK_TREE_MODEL(master_connection_list), &row, MC_PING), p.ping_after);
+        EXPECT_EQ(model_text(GTK_TREE_MODEL(master_connection_list), &row, MC_PING_PORT), p.port_after);
+    }
+    // The file follows every step: Desk off, Intranet on with 80, Tools as it was.
+    EXPECT_EQ(master_file(), master(record("Desk", "RDP", false, "3389", {{5, "desk.example"}, {33, "04608"}}) +
+                                    record("Intranet", "Web", true, "80", {{5, "http://intranet.example/"}}) + tools));
+}
+
+TEST_F(advanced_test, ping_options_window_looks_right)
+{
+    GtkWidget* advanced = open_advanced();
+    smart_ping_dialog(nullptr, g_strdup("1"), advanced);
+    GtkWidget* window = find_window("Ping Options");
+    ASSERT_NE(window, nullptr);
+    save_screenshot(window, "ping_options");
+}
+
+TEST(add_connection_choices, follow_the_installed_programs_and_the_shell_mode)
+{
+    using choices = std::vector<std::string>;
+    EXPECT_EQ(add_connection_choices(false, false, true), (choices{"Citrix ICA", "rdesktop", "XDM"}));
+    EXPECT_EQ(add_connection_choices(true, true, false),
+              (choices{"Citrix ICA", "DAS", "Firefox", "rdesktop", "XDM", "Other"}));
+}
+
+}  // namespace
