@@ -3,10 +3,12 @@
 #include "launch/spawn.h"
 #include "shell/globals.h"
 #include "store/record.h"
+#include "support/test_support.h"
 
 #include <cerrno>
 #include <csignal>
 #include <gtest/gtest.h>
+#include <sstream>
 #include <string>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -124,34 +126,26 @@ protected:
         }
     }
 
-    std::vector<tree_row> rows()
-    {
-        std::vector<tree_row> all;
-        auto collect = [](GtkTreeModel* m, GtkTreePath*, GtkTreeIter* iter, gpointer out) {
-            static_cast<std::vector<tree_row>*>(out)->push_back(read_tree_row(m, iter));
-            return FALSE;
-        };
-        gtk_tree_model_foreach(model(), collect, &all);
-        return all;
-    }
-
+    // The names of the active rows after a poll.
     std::string poll_and_list_active()
     {
         EXPECT_TRUE(update_status(tree));
+        std::istringstream rows(dump_model(model(), {TC_NAME, TC_STATUS}));
         std::string names;
-        for (const tree_row& row : rows())
-            if (row.status == status_active)
-                names += (names.empty() ? "" : " ") + row.name;
+        for (std::string name, status; std::getline(rows >> std::ws, name, '|') && std::getline(rows, status);)
+            if (status == "Active")
+                names += (names.empty() ? "" : " ") + name;
         return names;
     }
 
     // Blocks until every session the poll started has ended, without reaping it.
     void wait_for_sessions_to_end()
     {
+        std::istringstream pids(dump_model(model(), {TC_PID}));
         siginfo_t info;
-        for (const tree_row& row : rows())
-            if (row.pid != no_process)
-                waitid(P_PID, session_process_id(std::stoi(row.pid)), &info, WEXITED | WNOWAIT);
+        for (int pid; pids >> pid;)
+            if (pid != 0)
+                waitid(P_PID, session_process_id(pid), &info, WEXITED | WNOWAIT);
     }
 
     GtkTreeModel* model() { return GTK_TREE_MODEL(tree); }
@@ -160,37 +154,23 @@ protected:
     std::vector<pid_t> sleepers;
 };
 
-// One walk over independent primaries, each with a different rule to apply.
-TEST_F(status_poll, each_rule_starts_the_right_row)
+// Which row restarts is decided above; the poll counts the survivors, finds sessions past
+// idle rows, and an id of zero reaps no other child of ours.
+TEST_F(status_poll, counts_running_sessions_and_reaps_only_its_own)
 {
     using enum session;
-    build({{"E", false, false, false, idle, 0}, {"E1", true, true, false, ended, 1},  // d: none
-           {"A", false, true, false, ended, 11}, {"A1", true, true, false, idle, 0},  // a
-           {"B", false, true, false, ended, 2}, {"B1", true, true, false, idle, 0},   // b
-           {"B2", true, true, false, idle, 0},
-           {"C", false, true, false, idle, 0}, {"C1", true, false, false, ended, 1},  // d: next
-           {"C2", true, false, false, idle, 0},
-           {"D", false, true, false, idle, 0}, {"D1", true, false, false, ended, 1},  // d: last
-           {"F", false, true, false, running, 4}, {"G", false, true, false, not_ours, 3}});
-    EXPECT_EQ(poll_and_list_active(), "A B1 C2 D F G");
-    EXPECT_TRUE(active_connections(model())) << "found past the idle first rows";
-    for (const tree_row& row : rows()) {
-        EXPECT_EQ(row.polls, row.name == "F" ? 5 : 0) << row.name;
-        EXPECT_EQ(row.pid == "0", row.status != status_active) << row.name;
-    }
-    EXPECT_EQ(reconnect_prompts, 0);
-}
-
-TEST_F(status_poll, an_id_of_zero_reaps_no_other_child_of_ours)
-{
-    build({{"idle", false, true, false, session::idle, 0}});
+    build({{"idle", false, true, false, idle, 0}});
     EXPECT_FALSE(active_connections(model()));
-    build({{"zero", false, true, false, session::zero_id, 0}});
-    const pid_t other = child(session::ended);
-    EXPECT_EQ(poll_and_list_active(), "zero");
+    build({{"idle", false, true, false, idle, 0}, {"run", false, true, false, running, 4},
+           {"foreign", false, true, false, not_ours, 3}, {"zero", false, true, false, zero_id, 0}});
+    const pid_t other = child(ended);
+    EXPECT_EQ(poll_and_list_active(), "run foreign zero");
+    EXPECT_TRUE(active_connections(model()));
+    EXPECT_EQ(dump_model(model(), {TC_NAME, TC_POLLS}), "idle|0\nrun|5\nforeign|0\nzero|0\n");
     siginfo_t info{};
     EXPECT_EQ(waitid(P_PID, other, &info, WEXITED | WNOHANG), 0);
     EXPECT_EQ(info.si_pid, other) << "still ours to reap";
+    EXPECT_EQ(reconnect_prompts, 0);
 }
 
 // Every poll restarts "solo" with a prompt; every third also restarts "P", without a second one.
