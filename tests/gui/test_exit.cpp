@@ -5,9 +5,6 @@
 #include "platform/paths.h"
 #include "shell/exit.h"
 
-#include <csignal>
-#include <sys/wait.h>
-
 namespace {
 
 constexpr const char* warning = "\nPlease close all active connections before exiting.";

@@ -2,11 +2,6 @@
 
 #include "support/test_support.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <filesystem>
-#include <numeric>
 #include <sstream>
 
 namespace {

@@ -1,9 +1,6 @@
 #include "launch/password.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
+#include "support/test_support.h"
 
 namespace {
 

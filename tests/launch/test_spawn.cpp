@@ -4,12 +4,7 @@
 #include "launch_fixture.h"
 #include "shell/globals.h"
 
-#include <csignal>
-#include <cstdio>
-#include <cstdlib>
 #include <fcntl.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
 
 namespace {
 

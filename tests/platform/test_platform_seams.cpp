@@ -5,8 +5,6 @@
 
 #include "support/test_support.h"
 
-#include <gtest/gtest.h>
-
 namespace {
 
 TEST(root_prefix, moves_every_path_but_devices)

@@ -3,8 +3,6 @@
 #include "shell/globals.h"
 #include "support/test_support.h"
 
-#include <gtest/gtest.h>
-
 namespace {
 
 TEST(startup, rights_come_from_member_lists_and_primary_group_zero)

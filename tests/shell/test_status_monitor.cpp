@@ -5,14 +5,7 @@
 #include "store/record.h"
 #include "support/test_support.h"
 
-#include <cerrno>
-#include <csignal>
-#include <gtest/gtest.h>
 #include <sstream>
-#include <string>
-#include <sys/wait.h>
-#include <unistd.h>
-#include <vector>
 
 // The reconnect prompt, replaced at link level: it counts instead of showing a window.
 int reconnect_prompts = 0;
@@ -60,7 +53,7 @@ TEST(restart_rules, decide_what_starts_and_whether_to_prompt)
 // not_ours: the id of a process that is no child of ours; zero_id: "00000".
 enum class session { idle, running, ended, not_ours, zero_id };
 
-// A secondary row goes under the last primary before it.
+// A row: name, secondary (under the last primary before it), persistent, prompt, state, polls.
 struct row_shape {
     const char* name;
     bool secondary, persistent, prompt;
@@ -77,7 +70,6 @@ protected:
         master_connection_list = create_master_store();
         reconnect_prompts = prompts_without_dialog_up = 0;
     }
-
     ~status_poll() override
     {
         for (pid_t pid : sleepers)
@@ -85,8 +77,7 @@ protected:
         while (waitpid(-1, nullptr, 0) > 0 || errno == EINTR) {
         }
         g_object_unref(tree);
-        g_object_unref(master_connection_list);
-        master_connection_list = nullptr;
+        g_clear_object(&master_connection_list);
     }
 
     // An ended child is left unreaped: the poll is what reaps it.
@@ -96,33 +87,23 @@ protected:
         if (pid == 0)
             _exit(state == session::running ? pause() : 0);
         siginfo_t info;
-        if (state == session::running)
-            sleepers.push_back(pid);
-        else
-            waitid(P_PID, pid, &info, WEXITED | WNOWAIT);
+        state == session::running ? sleepers.push_back(pid) : (void)waitid(P_PID, pid, &info, WEXITED | WNOWAIT);
         return pid;
-    }
-
-    std::string pid_text(session state)
-    {
-        if (state == session::not_ours)
-            return "1";
-        return state == session::zero_id ? "00000" : std::to_string(child(state));
     }
 
     void build(const std::vector<row_shape>& rows)
     {
         gtk_tree_store_clear(tree);
         GtkTreeIter primary, iter;
-        for (const row_shape& shape : rows) {
-            gtk_tree_store_append(tree, &iter, shape.secondary ? &primary : nullptr);
-            if (!shape.secondary)
-                primary = iter;
-            const bool active = shape.state != session::idle;
-            write_tree_row(tree, &iter,
-                           {!shape.secondary, shape.name, "Other", false, shape.persistent,
-                            shape.prompt, active ? pid_text(shape.state) : no_process,
-                            active ? status_active : status_not_connected, shape.polls});
+        for (const row_shape& r : rows) {
+            gtk_tree_store_append(tree, &iter, r.secondary ? &primary : nullptr);
+            primary = r.secondary ? primary : iter;
+            const std::string pid = r.state == session::idle       ? no_process
+                                    : r.state == session::not_ours ? "1"
+                                    : r.state == session::zero_id  ? "00000"
+                                                                   : std::to_string(child(r.state));
+            write_tree_row(tree, &iter, {!r.secondary, r.name, "Other", false, r.persistent, r.prompt, pid,
+                                         r.state == session::idle ? status_not_connected : status_active, r.polls});
         }
     }
 

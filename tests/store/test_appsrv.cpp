@@ -2,12 +2,9 @@
 
 #include "launch/password.h"
 
-#include <gtest/gtest.h>
+#include "support/test_support.h"
 
-#include <cstdio>
-#include <cstdlib>
 #include <map>
-#include <string>
 
 namespace {
 

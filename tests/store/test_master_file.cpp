@@ -2,8 +2,6 @@
 
 #include "store_fixture.h"
 
-#include <algorithm>
-#include <numeric>
 #include <random>
 
 namespace {

@@ -2,9 +2,6 @@
 
 #include "store_fixture.h"
 
-#include <filesystem>
-#include <unistd.h>
-
 namespace {
 
 class user_file_test : public store_test {

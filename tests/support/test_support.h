@@ -1,10 +1,24 @@
 #pragma once
 // Helpers shared by the tests: a private temporary folder, file contents, models as text,
 // and a recorder for the messages the program would show in its error dialog.
+// It also brings what nearly every test uses: GoogleTest, GTK and the common headers.
+#include <gtest/gtest.h>
 #include <gtk/gtk.h>
 
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
 #include <initializer_list>
+#include <numeric>
 #include <string>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <utility>
 #include <vector>
 
 // A fresh folder, removed with its contents when the object goes.
