@@ -3,11 +3,6 @@
 #include "launch/spawn.h"
 #include "platform/log.h"
 
-#include <csignal>
-#include <cstdlib>
-#include <sys/stat.h>
-#include <sys/wait.h>
-
 namespace {
 
 void add_connection(GtkTreeIter* parent, GtkTreeIter* row, const std::string& name, bool persistent)

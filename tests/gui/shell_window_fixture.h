@@ -10,9 +10,6 @@
 #include "store/record.h"
 #include "support/test_support.h"
 
-#include <gtest/gtest.h>
-#include <string>
-
 struct shell_setup {
     bool shell = false;
     bool admin = false;

@@ -7,13 +7,8 @@
 #include "support/test_support.h"
 
 #include <arpa/inet.h>
-#include <gtest/gtest.h>
-#include <initializer_list>
 #include <netinet/in.h>
-#include <string>
 #include <sys/socket.h>
-#include <unistd.h>
-#include <utility>
 
 using column_values = std::initializer_list<std::pair<int, const char*>>;
 

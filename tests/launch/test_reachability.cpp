@@ -2,7 +2,6 @@
 
 #include "launch_fixture.h"
 
-#include <cerrno>
 #include <chrono>
 
 namespace {

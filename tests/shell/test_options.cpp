@@ -6,16 +6,8 @@
 #include "store/models.h"
 #include "support/test_support.h"
 
-#include <algorithm>
 #include <array>
-#include <cstdlib>
-#include <filesystem>
-#include <functional>
-#include <gtest/gtest.h>
-#include <string>
 #include <tuple>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace {
 

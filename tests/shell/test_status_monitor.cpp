@@ -6,14 +6,9 @@
 #include "shell/globals.h"
 #include "store/models.h"
 #include "store/record.h"
+#include "support/test_support.h"
 
-#include <cerrno>
-#include <csignal>
-#include <gtest/gtest.h>
-#include <string>
-#include <sys/wait.h>
-#include <unistd.h>
-#include <vector>
+#include <sstream>
 
 // The reconnect prompt, replaced at link level: it counts instead of showing a window.
 int reconnect_prompts = 0;
@@ -61,7 +56,7 @@ TEST(restart_rules, decide_what_starts_and_whether_to_prompt)
 // not_ours: the id of a process that is no child of ours; zero_id: "00000".
 enum class session { idle, running, ended, not_ours, zero_id };
 
-// A secondary row goes under the last primary before it.
+// A row: name, secondary (under the last primary before it), persistent, prompt, state, polls.
 struct row_shape {
     const char* name;
     bool secondary, persistent, prompt;
@@ -78,7 +73,6 @@ protected:
         master_connection_list = create_master_store();
         reconnect_prompts = prompts_without_dialog_up = 0;
     }
-
     ~status_poll() override
     {
         for (pid_t pid : sleepers)
@@ -86,8 +80,7 @@ protected:
         while (waitpid(-1, nullptr, 0) > 0 || errno == EINTR) {
         }
         g_object_unref(tree);
-        g_object_unref(master_connection_list);
-        master_connection_list = nullptr;
+        g_clear_object(&master_connection_list);
     }
 
     // An ended child is left unreaped: the poll is what reaps it.
@@ -97,64 +90,46 @@ protected:
         if (pid == 0)
             _exit(state == session::running ? pause() : 0);
         siginfo_t info;
-        if (state == session::running)
-            sleepers.push_back(pid);
-        else
-            waitid(P_PID, pid, &info, WEXITED | WNOWAIT);
+        state == session::running ? sleepers.push_back(pid) : (void)waitid(P_PID, pid, &info, WEXITED | WNOWAIT);
         return pid;
-    }
-
-    std::string pid_text(session state)
-    {
-        if (state == session::not_ours)
-            return "1";
-        return state == session::zero_id ? "00000" : std::to_string(child(state));
     }
 
     void build(const std::vector<row_shape>& rows)
     {
         gtk_tree_store_clear(tree);
         GtkTreeIter primary, iter;
-        for (const row_shape& shape : rows) {
-            gtk_tree_store_append(tree, &iter, shape.secondary ? &primary : nullptr);
-            if (!shape.secondary)
-                primary = iter;
-            const bool active = shape.state != session::idle;
-            write_tree_row(tree, &iter,
-                           {!shape.secondary, shape.name, "Other", false, shape.persistent,
-                            shape.prompt, active ? pid_text(shape.state) : no_process,
-                            active ? status_active : status_not_connected, shape.polls});
+        for (const row_shape& r : rows) {
+            gtk_tree_store_append(tree, &iter, r.secondary ? &primary : nullptr);
+            primary = r.secondary ? primary : iter;
+            const std::string pid = r.state == session::idle       ? no_process
+                                    : r.state == session::not_ours ? "1"
+                                    : r.state == session::zero_id  ? "00000"
+                                                                   : std::to_string(child(r.state));
+            write_tree_row(tree, &iter, {!r.secondary, r.name, "Other", false, r.persistent, r.prompt, pid,
+                                         r.state == session::idle ? status_not_connected : status_active, r.polls});
         }
     }
 
-    std::vector<tree_row> rows()
-    {
-        std::vector<tree_row> all;
-        auto collect = [](GtkTreeModel* m, GtkTreePath*, GtkTreeIter* iter, gpointer out) {
-            static_cast<std::vector<tree_row>*>(out)->push_back(read_tree_row(m, iter));
-            return FALSE;
-        };
-        gtk_tree_model_foreach(model(), collect, &all);
-        return all;
-    }
-
+    // The names of the active rows after a poll.
     std::string poll_and_list_active()
     {
         EXPECT_TRUE(update_status(tree));
+        std::istringstream rows(dump_model(model(), {TC_NAME, TC_STATUS}));
         std::string names;
-        for (const tree_row& row : rows())
-            if (row.status == status_active)
-                names += (names.empty() ? "" : " ") + row.name;
+        for (std::string name, status; std::getline(rows >> std::ws, name, '|') && std::getline(rows, status);)
+            if (status == "Active")
+                names += (names.empty() ? "" : " ") + name;
         return names;
     }
 
     // Blocks until every session the poll started has ended, without reaping it.
     void wait_for_sessions_to_end()
     {
+        std::istringstream pids(dump_model(model(), {TC_PID}));
         siginfo_t info;
-        for (const tree_row& row : rows())
-            if (row.pid != no_process)
-                waitid(P_PID, session_process_id(std::stoi(row.pid)), &info, WEXITED | WNOWAIT);
+        for (int pid; pids >> pid;)
+            if (pid != 0)
+                waitid(P_PID, session_process_id(pid), &info, WEXITED | WNOWAIT);
     }
 
     GtkTreeModel* model() { return GTK_TREE_MODEL(tree); }
@@ -163,37 +138,23 @@ protected:
     std::vector<pid_t> sleepers;
 };
 
-// One walk over independent primaries, each with a different rule to apply.
-TEST_F(status_poll, each_rule_starts_the_right_row)
+// Which row restarts is decided above; the poll counts the survivors, finds sessions past
+// idle rows, and an id of zero reaps no other child of ours.
+TEST_F(status_poll, counts_running_sessions_and_reaps_only_its_own)
 {
     using enum session;
-    build({{"E", false, false, false, idle, 0}, {"E1", true, true, false, ended, 1},  // d: none
-           {"A", false, true, false, ended, 11}, {"A1", true, true, false, idle, 0},  // a
-           {"B", false, true, false, ended, 2}, {"B1", true, true, false, idle, 0},   // b
-           {"B2", true, true, false, idle, 0},
-           {"C", false, true, false, idle, 0}, {"C1", true, false, false, ended, 1},  // d: next
-           {"C2", true, false, false, idle, 0},
-           {"D", false, true, false, idle, 0}, {"D1", true, false, false, ended, 1},  // d: last
-           {"F", false, true, false, running, 4}, {"G", false, true, false, not_ours, 3}});
-    EXPECT_EQ(poll_and_list_active(), "A B1 C2 D F G");
-    EXPECT_TRUE(active_connections(model())) << "found past the idle first rows";
-    for (const tree_row& row : rows()) {
-        EXPECT_EQ(row.polls, row.name == "F" ? 5 : 0) << row.name;
-        EXPECT_EQ(row.pid == "0", row.status != status_active) << row.name;
-    }
-    EXPECT_EQ(reconnect_prompts, 0);
-}
-
-TEST_F(status_poll, an_id_of_zero_reaps_no_other_child_of_ours)
-{
-    build({{"idle", false, true, false, session::idle, 0}});
+    build({{"idle", false, true, false, idle, 0}});
     EXPECT_FALSE(active_connections(model()));
-    build({{"zero", false, true, false, session::zero_id, 0}});
-    const pid_t other = child(session::ended);
-    EXPECT_EQ(poll_and_list_active(), "zero");
+    build({{"idle", false, true, false, idle, 0}, {"run", false, true, false, running, 4},
+           {"foreign", false, true, false, not_ours, 3}, {"zero", false, true, false, zero_id, 0}});
+    const pid_t other = child(ended);
+    EXPECT_EQ(poll_and_list_active(), "run foreign zero");
+    EXPECT_TRUE(active_connections(model()));
+    EXPECT_EQ(dump_model(model(), {TC_NAME, TC_POLLS}), "idle|0\nrun|5\nforeign|0\nzero|0\n");
     siginfo_t info{};
     EXPECT_EQ(waitid(P_PID, other, &info, WEXITED | WNOHANG), 0);
     EXPECT_EQ(info.si_pid, other) << "still ours to reap";
+    EXPECT_EQ(reconnect_prompts, 0);
 }
 
 // Every poll restarts "solo" with a prompt; every third also restarts "P", without a second one.

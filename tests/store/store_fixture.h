@@ -7,10 +7,6 @@
 #include "store/record.h"
 #include "support/test_support.h"
 
-#include <gtest/gtest.h>
-#include <string>
-#include <vector>
-
 class store_test : public ::testing::Test {
 protected:
     void SetUp() override

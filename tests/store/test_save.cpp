@@ -3,11 +3,8 @@
 #include "store/master_file.h"
 #include "store_fixture.h"
 
-#include <filesystem>
 #include <sched.h>
 #include <sys/mount.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 

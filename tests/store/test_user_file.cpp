@@ -2,9 +2,6 @@
 
 #include "store_fixture.h"
 
-#include <filesystem>
-#include <unistd.h>
-
 namespace {
 
 class user_file_test : public store_test {
@@ -15,49 +12,41 @@ protected:
         for (const char* name : {"Desk", "Mail", "Web1", "Spare", "TRUE"})
             add_master(name, "RDP");
     }
-    // The tree as text: one line per row, secondary rows indented, flags as letters
-    // (A automatic, P persistent, Q prompt).
-    static std::string shape(GtkTreeStore* tree, GtkTreeIter* parent = nullptr, const std::string& indent = "")
+    // Primary, name, type, automatic, persistent, prompt, process id, status.
+    static std::string shape(GtkTreeStore* tree)
     {
-        std::string text;
-        GtkTreeIter iter;
-        for (bool more = gtk_tree_model_iter_children(GTK_TREE_MODEL(tree), &iter, parent); more;
-             more = gtk_tree_model_iter_next(GTK_TREE_MODEL(tree), &iter)) {
-            tree_row row = read_tree_row(GTK_TREE_MODEL(tree), &iter);
-            text += indent + row.name + "/" + row.type + (row.primary ? " primary" : "") +
-                    (row.automatic ? " A" : "") + (row.persistent ? " P" : "") + (row.prompt ? " Q" : "") +
-                    " " + row.pid + " " + row.status + "\n" + shape(tree, &iter, indent + "  ");
-        }
-        return text;
+        return dump_model(GTK_TREE_MODEL(tree), {TC_PRIMARY, TC_NAME, TC_TYPE, TC_AUTOMATIC, TC_PERSISTENT,
+                                                 TC_PROMPT, TC_PID, TC_STATUS});
     }
 };
 
 TEST_F(user_file_test, loads_rows_promoting_or_dropping_them_by_the_master_list)
 {
+    const std::string idle = "|0|Not Connected\n";
     const std::pair<std::string, std::string> cases[] = {
         {"Version 1.000\n"
          "TRUE\nDesk\nRDP\nTRUE\nTRUE\nTRUE\n"
          "FALSE\nMail\nRDP\nFALSE\nFALSE\nFALSE\n"
          "FALSE\nSpare\nRDP\nFALSE\nFALSE\nFALSE\n"
          "TRUE\nWeb1\nRDP\nFALSE\nTRUE\nFALSE\n",
-         "Desk/RDP primary A P Q 0 Not Connected\n  Mail/RDP 0 Not Connected\n"
-         "  Spare/RDP 0 Not Connected\nWeb1/RDP primary P 0 Not Connected\n"},
+         "TRUE|Desk|RDP|TRUE|TRUE|TRUE" + idle + "  FALSE|Mail|RDP|FALSE|FALSE|FALSE" + idle +
+             "  FALSE|Spare|RDP|FALSE|FALSE|FALSE" + idle + "TRUE|Web1|RDP|FALSE|TRUE|FALSE" + idle},
         // A first row without a primary is promoted.
-        {"Version 1.000\nFALSE\nDesk\nRDP\nFALSE\nFALSE\nFALSE\n", "Desk/RDP primary 0 Not Connected\n"},
+        {"Version 1.000\nFALSE\nDesk\nRDP\nFALSE\nFALSE\nFALSE\n", "TRUE|Desk|RDP|FALSE|FALSE|FALSE" + idle},
         // A deleted primary: its first secondary leads, the second follows it.
         {"Version 1.000\nTRUE\nGone\nRDP\nTRUE\nFALSE\nFALSE\nFALSE\nMail\nRDP\nFALSE\nFALSE\nFALSE\n"
          "FALSE\nSpare\nRDP\nFALSE\nFALSE\nFALSE\n",
-         "Mail/RDP primary 0 Not Connected\n  Spare/RDP 0 Not Connected\n"},
+         "TRUE|Mail|RDP|FALSE|FALSE|FALSE" + idle + "  FALSE|Spare|RDP|FALSE|FALSE|FALSE" + idle},
         // A deleted secondary: the next secondary of the same primary becomes a primary.
         {"Version 1.000\nTRUE\nDesk\nRDP\nFALSE\nFALSE\nFALSE\nFALSE\nGone\nRDP\nFALSE\nFALSE\nFALSE\n"
          "FALSE\nSpare\nRDP\nFALSE\nFALSE\nFALSE\n",
-         "Desk/RDP primary 0 Not Connected\nSpare/RDP primary 0 Not Connected\n"},
+         "TRUE|Desk|RDP|FALSE|FALSE|FALSE" + idle + "TRUE|Spare|RDP|FALSE|FALSE|FALSE" + idle},
         {"Version 1.000\nTRUE\nDesk\nICA\nFALSE\nFALSE\nFALSE\n", ""},  // same name, other type
         // Older files have no prompt line.
         {"TRUE\nDesk\nRDP\nTRUE\nTRUE\nFALSE\nMail\nRDP\nFALSE\nFALSE\n",
-         "Desk/RDP primary A P 0 Not Connected\n  Mail/RDP 0 Not Connected\n"},
+         "TRUE|Desk|RDP|TRUE|TRUE|FALSE" + idle + "  FALSE|Mail|RDP|FALSE|FALSE|FALSE" + idle},
         // Names are text; flags other than "TRUE" are false.
-        {"Version 1.000\nTRUE\nTRUE\nRDP\nyes\nTRUE\n1\n", "TRUE/RDP primary P 0 Not Connected\n"},
+        {"Version 1.000\nTRUE\nTRUE\nRDP\nyes\nTRUE\n1\n", "TRUE|TRUE|RDP|FALSE|TRUE|FALSE" + idle},
         {"", ""},
         // Cut short after the name: the type comes from the buffer, one character shorter.
         {"Version 1.000\nTRUE\nDesk\n", ""},
@@ -76,8 +65,8 @@ TEST_F(user_file_test, save_writes_the_selected_tree_and_reloads_the_current_one
     // Each flag column differs from the others over the two rows: a swap shows in the file
     // and in the reloaded tree.
     const std::string home_file = root / "home/ann/kestrel.inf";
-    write_file(home_file,
-               "Version 1.000\nTRUE\nMail\nRDP\nFALSE\nTRUE\nTRUE\nFALSE\nSpare\nRDP\nTRUE\nFALSE\nTRUE\n");
+    const std::string rows = "TRUE\nMail\nRDP\nFALSE\nTRUE\nTRUE\nFALSE\nSpare\nRDP\nTRUE\nFALSE\nTRUE\n";
+    write_file(home_file, "Version 1.000\n" + rows);
     make_connection_tree(selected_user_connection_tree, home_file.c_str(), 6);
     locate_key key{"Desk", "RDP", {}, FALSE};
     ASSERT_EQ(save_if_unique_connection(selected_user_connection_tree, &key), 1);
@@ -85,13 +74,10 @@ TEST_F(user_file_test, save_writes_the_selected_tree_and_reloads_the_current_one
     EXPECT_EQ(messages.shown, std::vector<std::string>{"\nA connection with that name and type already exists.\n"});
 
     save_user_connections(nullptr, "ann");
-    EXPECT_EQ(read_file_text(home_file), "Version 1.000\n"
-                                         "TRUE\nMail\nRDP\nFALSE\nTRUE\nTRUE\n"
-                                         "FALSE\nSpare\nRDP\nTRUE\nFALSE\nTRUE\n"
-                                         "TRUE\nDesk\nRDP\nFALSE\nFALSE\nFALSE\n");
-    EXPECT_EQ(shape(current_user_connection_tree), "Mail/RDP primary P Q 0 Not Connected\n"
-                                                   "  Spare/RDP A Q 0 Not Connected\n"
-                                                   "Desk/RDP primary 0 Not Connected\n");
+    EXPECT_EQ(read_file_text(home_file), "Version 1.000\n" + rows + "TRUE\nDesk\nRDP\nFALSE\nFALSE\nFALSE\n");
+    EXPECT_EQ(shape(current_user_connection_tree), "TRUE|Mail|RDP|FALSE|TRUE|TRUE|0|Not Connected\n"
+                                                   "  FALSE|Spare|RDP|TRUE|FALSE|TRUE|0|Not Connected\n"
+                                                   "TRUE|Desk|RDP|FALSE|FALSE|FALSE|0|Not Connected\n");
 }
 
 TEST_F(user_file_test, save_failures_are_reported)
@@ -105,8 +91,8 @@ TEST_F(user_file_test, save_failures_are_reported)
     locate_key key{"Desk", "RDP", {}, FALSE};
     save_if_unique_connection(selected_user_connection_tree, &key);
     save_user_connections(nullptr, "ann");
-    EXPECT_EQ(messages.shown, (std::vector<std::string>{"\nCouldn't open user connection tree for writing.\n",
-                                                        "\nCouldn't open user connection tree for writing.\n",
-                                                        "\nError writing user connection tree.\n"}));
+    const std::string not_opened = "\nCouldn't open user connection tree for writing.\n";
+    EXPECT_EQ(messages.shown,
+              (std::vector<std::string>{not_opened, not_opened, "\nError writing user connection tree.\n"}));
 }
 }  // namespace

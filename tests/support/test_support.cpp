@@ -58,6 +58,39 @@ std::string read_file_text(const std::string& path)
 void make_dirs(const std::string& path) { std::filesystem::create_directories(path); }
 
 namespace {
+std::string dump_rows(GtkTreeModel* model, GtkTreeIter* parent, std::initializer_list<int> columns,
+                      const std::string& indent)
+{
+    std::string text;
+    GtkTreeIter iter;
+    for (bool more = gtk_tree_model_iter_children(model, &iter, parent); more;
+         more = gtk_tree_model_iter_next(model, &iter)) {
+        text += indent;
+        const char* separator = "";
+        for (int column : columns) {
+            text += separator;
+            separator = "|";
+            GValue value = G_VALUE_INIT;
+            gtk_tree_model_get_value(model, &iter, column, &value);
+            GValue shown = G_VALUE_INIT;
+            g_value_init(&shown, G_TYPE_STRING);
+            if (g_value_transform(&value, &shown) && g_value_get_string(&shown))
+                text += g_value_get_string(&shown);
+            g_value_unset(&shown);
+            g_value_unset(&value);
+        }
+        text += "\n" + dump_rows(model, &iter, columns, indent + "  ");
+    }
+    return text;
+}
+}  // namespace
+
+std::string dump_model(GtkTreeModel* model, std::initializer_list<int> columns)
+{
+    return dump_rows(model, nullptr, columns, "");
+}
+
+namespace {
 message_recorder* active_recorder = nullptr;
 
 void record_text(const std::string& text)

@@ -1,7 +1,24 @@
 #pragma once
-// Helpers shared by the tests: a private temporary folder, file contents, and a
-// recorder for the messages the program would show in its error dialog.
+// Helpers shared by the tests: a private temporary folder, file contents, models as text,
+// and a recorder for the messages the program would show in its error dialog.
+// It also brings what nearly every test uses: GoogleTest, GTK and the common headers.
+#include <gtest/gtest.h>
+#include <gtk/gtk.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <initializer_list>
+#include <numeric>
 #include <string>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <utility>
 #include <vector>
 
 // A fresh folder, removed with its contents when the object goes.
@@ -32,6 +49,10 @@ private:
 void write_file(const std::string& path, const std::string& contents);
 std::string read_file_text(const std::string& path);
 void make_dirs(const std::string& path);
+
+// A list or tree model as text, for every model the tests look at: a line a row, children
+// indented by two spaces, the given columns joined by "|" (flags as TRUE or FALSE).
+std::string dump_model(GtkTreeModel* model, std::initializer_list<int> columns);
 
 // Records every text shown through the error dialog while it lives.
 class message_recorder {
