@@ -78,10 +78,10 @@ bool holds_any(const std::string& line, const char* const (&keys)[N])
     return false;
 }
 
-// Each line of the file's text as the reader of the client's file sees it: at most 101
-// characters, the rest of a longer line skipped, the last character removed.
+// Each line of the text as the reader of the client's files sees it: at most 101
+// characters, the rest of a longer line skipped; chopped, the last character removed.
 template <typename Visit>
-void for_each_line(const std::string& text, Visit visit)
+void for_each_line(const std::string& text, Visit visit, bool chopped = true)
 {
     if (text.empty())
         return;
@@ -91,7 +91,8 @@ void for_each_line(const std::string& text, Visit visit)
     unique_file file(stream);
     line_reader reader(file.get(), long_line::skip_rest);
     while (reader.read()) {
-        reader.drop_last_char();
+        if (chopped)
+            reader.drop_last_char();
         visit(reader.text());
     }
 }
@@ -389,6 +390,13 @@ int ica_make_default_wfclient()
                : 0;
 }
 
+std::string wfclient_text()
+{
+    std::string text;
+    slurp(wfclient_file, &text);
+    return text;
+}
+
 bool read_wfclient(std::string* text)
 {
     if (slurp(wfclient_file, text))
@@ -414,5 +422,37 @@ bool rewrite_wfclient(const std::function<std::string(const std::string&)>& chan
     // A failing copy back is not reported. It only ever starts from a temporary copy
     // that was written whole.
     run_shell_command("cp " + shell_quote(copy) + " " + shell_quote(wfclient_file));
+    return true;
+}
+
+std::string pnabrowse_command(bool servers, const std::string& address, const std::string& output)
+{
+    return shell_quote(ica_root + "/pnabrowse") + (servers ? " -S " : " -A ") + shell_quote(address) +
+           " > " + shell_quote(output);
+}
+
+std::vector<std::string> read_published_names(const std::string& text)
+{
+    std::vector<std::string> names;
+    for_each_line(
+        text,
+        [&](const std::string& line) {
+            // The opening quote, then the closing quote and the line end.
+            if (line.size() >= 3)
+                names.push_back(line.substr(1, line.size() - 3));
+        },
+        false);
+    return names;
+}
+
+bool ica_published_names(bool servers, const std::string& address, std::vector<std::string>* names)
+{
+    const std::string output = tmp_dir + "/icalist";
+    if (run_shell_command(pnabrowse_command(servers, address, output)) != 0)
+        return false;
+    std::string text;
+    if (!slurp(output, &text))
+        return false;
+    *names = read_published_names(text);
     return true;
 }
