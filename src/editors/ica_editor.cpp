@@ -78,7 +78,6 @@ constexpr int window_height = 220;
 constexpr int spacing = 6;
 constexpr int page_border = 8;
 constexpr int port_width = 6;
-constexpr const char* block_key = "kestrelle-ica-editor";
 
 // What the ICA editor's handlers share: the editor block and the server locations.
 struct ica_editor {
@@ -208,12 +207,14 @@ void ica_get_published_list(GtkWidget*, ica_editor* b)
     set_combo_text(combo, typed);
 }
 
-void ica_ok_button_cb(GtkWidget*, ica_editor* b)
+// The shared Save row hands over the editor block; columns 6 and 7 come from connect_info,
+// where the Server Location dialog keeps them.
+void ica_ok_button_cb(GtkWidget*, editor* e)
 {
-    connection_record values = editor_values(b->e);
+    connection_record values = editor_values(e);
     values[MC_ICA_LOCATION] = connect_info.text[MC_ICA_LOCATION];
     values[MC_ICA_PROTOCOL] = connect_info.text[MC_ICA_PROTOCOL];
-    finish_editor_save(b->e, values);
+    finish_editor_save(e, values);
 }
 
 namespace {
@@ -415,7 +416,7 @@ void ica_dialog(GtkTreePath* path)
     editor* e = open_editor(ica_kind, "ICA connection", path, ICA_WIDGETS);
     gtk_window_set_default_size(GTK_WINDOW(e->window), window_width, window_height);
     auto* b = new ica_editor{e, nullptr};
-    g_object_set_data_full(G_OBJECT(e->window), block_key, b,
+    g_object_set_data_full(G_OBJECT(e->window), "kestrelle-ica-editor", b,
                            [](gpointer data) { delete static_cast<ica_editor*>(data); });
 
     GtkWidget* notebook = named(gtk_notebook_new(), "pages");

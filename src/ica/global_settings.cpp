@@ -300,15 +300,17 @@ GtkWidget* com_page(global_window* g, const global_settings& s)
     gtk_box_set_spacing(GTK_BOX(buttons), spacing);
     struct {
         const char* label;
+        const char* name;
         GCallback handler;
         bool stock;
-    } const actions[] = {{"gtk-go-up", G_CALLBACK(ica_com_up_cb), true},
-                         {"gtk-go-down", G_CALLBACK(ica_com_down_cb), true},
-                         {"_Add", G_CALLBACK(ica_com_add_dialog), false},
-                         {"_Delete", G_CALLBACK(ica_com_delete_cb), false}};
+    } const actions[] = {{"gtk-go-up", "com-up", G_CALLBACK(ica_com_up_cb), true},
+                         {"gtk-go-down", "com-down", G_CALLBACK(ica_com_down_cb), true},
+                         {"_Add", "com-add", G_CALLBACK(ica_com_add_dialog), false},
+                         {"_Delete", "com-delete", G_CALLBACK(ica_com_delete_cb), false}};
     for (const auto& action : actions) {
         GtkWidget* button = action.stock ? gtk_button_new_from_stock(action.label)
                                          : gtk_button_new_with_mnemonic(action.label);
+        gtk_widget_set_name(button, action.name);
         g_signal_connect(button, "clicked", action.handler, g);
         gtk_box_pack_start(GTK_BOX(buttons), button, FALSE, FALSE, 0);
     }
