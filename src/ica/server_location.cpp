@@ -15,6 +15,7 @@ constexpr int spacing = 6;
 constexpr int border = 10;
 constexpr int address_limit = 100;
 constexpr int port_width = 6;
+constexpr int list_height = 100;  // a few rows of addresses at least
 constexpr const char* state_key = "kestrelle-server-locations";
 constexpr const char* group_note =
     "Changes to the default server group are applied to all connections. Custom server "
@@ -97,7 +98,9 @@ GtkWidget* address_view(server_location_state* s)
     GtkTreeViewColumn* column = gtk_tree_view_column_new_with_attributes(
         "Address", gtk_cell_renderer_text_new(), "text", 0, nullptr);
     gtk_tree_view_append_column(GTK_TREE_VIEW(s->view), column);
-    return vertical_scroller(s->view);
+    GtkWidget* scroller = vertical_scroller(s->view);
+    gtk_widget_set_size_request(scroller, -1, list_height);
+    return scroller;
 }
 
 GtkWidget* group_row(server_location_state* s)
@@ -132,7 +135,8 @@ GtkWidget* list_buttons(server_location_state* s)
 GtkWidget* location_controls(server_location_state* s)
 {
     GtkWidget* column = gtk_vbox_new(FALSE, spacing);
-    gtk_container_set_border_width(GTK_CONTAINER(column), border);
+    if (!s->host)  // a page of its host has the host's border already
+        gtk_container_set_border_width(GTK_CONTAINER(column), border);
     gtk_box_pack_start(GTK_BOX(column), group_row(s), FALSE, FALSE, 0);
     GtkWidget* note = gtk_label_new(group_note);
     gtk_label_set_line_wrap(GTK_LABEL(note), TRUE);
