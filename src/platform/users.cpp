@@ -19,6 +19,7 @@ user_entry to_entry(const passwd& pw, bool in_root)
     entry.name = pw.pw_name ? pw.pw_name : "";
     std::string home = pw.pw_dir ? pw.pw_dir : "";
     entry.home = in_root ? root_path(home) : home;
+    entry.database_home = home;
     entry.uid = pw.pw_uid;
     entry.gid = pw.pw_gid;
     return entry;

@@ -9,7 +9,8 @@
 
 struct user_entry {
     std::string name;
-    std::string home;
+    std::string home;           // where the user's files are (root prefix applied)
+    std::string database_home;  // the home directory as the database writes it
     uid_t uid = 0;
     gid_t gid = 0;
 };

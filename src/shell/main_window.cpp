@@ -173,11 +173,9 @@ void finish_main_window()
     gtk_tree_view_expand_all(GTK_TREE_VIEW(view));
 }
 
-void add_advanced_button()
+void add_advanced_button(GCallback handler)
 {
-    // The administration window is opened from here once it exists; until then the
-    // button only shows that this user administers the terminal.
-    GtkWidget* advanced = add_button("Ad_vanced", nullptr, nullptr);
+    GtkWidget* advanced = add_button("Ad_vanced", handler, root_window);
     GtkWidget* help = GTK_WIDGET(g_object_get_data(G_OBJECT(root_window), help_button_key));
     GtkWidget* column = gtk_widget_get_parent(help);
     gint help_position = 0;

@@ -8,8 +8,9 @@
 void build_main_window();
 // The tree view on current_user_connection_tree and the buttons by mode and rights.
 void finish_main_window();
-// Administrators only: the "Ad_vanced" button.
-void add_advanced_button();
+// Administrators only: the "Ad_vanced" button, opening the administration window
+// through handler (given the main window).
+void add_advanced_button(GCallback handler);
 // Shows the main window with every row expanded.
 void show_main_window();
 // Shows the reconnect prompt and waits until the user closes it.

@@ -192,7 +192,7 @@ int start_automatic_connections(GtkTreeStore* tree)
     return started;
 }
 
-int kestrelle_main(int argc, char** argv)
+int kestrelle_main(int argc, char** argv, GCallback advanced_dialog)
 {
     user_entry user = read_identity();
     install_signal_handlers();
@@ -218,7 +218,7 @@ int kestrelle_main(int argc, char** argv)
     finish_main_window();
     if (user_has_root) {
         create_admin_directories();
-        add_advanced_button();
+        add_advanced_button(advanced_dialog);
     }
     int started = start_automatic_connections(current_user_connection_tree);
     if (show_gui || user_has_root)

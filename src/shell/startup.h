@@ -25,5 +25,6 @@ void find_programs();
 // prompt before the first. Returns the number of connections started.
 int start_automatic_connections(GtkTreeStore* tree);
 
-// The whole start-up and the main loop; returns the process's exit status.
-int kestrelle_main(int argc, char** argv);
+// The whole start-up and the main loop; returns the process's exit status. The
+// administration window lives above the shell: its opener comes from main.
+int kestrelle_main(int argc, char** argv, GCallback advanced_dialog);

@@ -68,7 +68,7 @@ void shell_window_test::open_main_window(shell_setup setup)
     build_main_window();
     finish_main_window();
     if (user_has_root)
-        add_advanced_button();
+        add_advanced_button(nullptr);
     show_main_window();
     pump_events();
 }
