@@ -366,8 +366,12 @@ void ica_global_save_cb(GtkWidget* button, gpointer data)
 
 global_settings ica_global_initialize()
 {
+    // Made from the client's own copy first when it is missing, so that the window shows
+    // (and its Save keeps) the client's default server locations.
     global_settings s = default_global_settings();
-    read_global_settings(wfclient_text(), s);
+    std::string text;
+    if (read_wfclient(&text))
+        read_global_settings(text, s);
     return s;
 }
 

@@ -9,8 +9,8 @@
 enum drive_col : int { DRIVE_LETTER, DRIVE_PATH, DRIVE_ENABLED, DRIVE_READ, DRIVE_WRITE, DRIVE_COLUMNS };
 enum com_col : int { COM_PORT, COM_DEVICE, COM_COLUMNS };
 
-// The defaults, with the keys of wfclient_file applied (the defaults alone when the
-// file cannot be read).
+// The defaults, with the keys of wfclient_file applied; the file is made first when it
+// is missing (the defaults alone, after the messages, when it cannot be).
 global_settings ica_global_initialize();
 
 // Opens the "Settings" window. The Advanced window's "Citrix _Global Settings" button
