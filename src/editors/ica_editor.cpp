@@ -410,6 +410,7 @@ GtkWidget* name_row(editor* e)
 
 void ica_dialog(GtkTreePath* path)
 {
+    // The server locations come from wfclient.ini: without it there is no editor.
     std::string text;
     if (!read_wfclient(&text))
         return;
