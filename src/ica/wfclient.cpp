@@ -97,18 +97,24 @@ void for_each_line(const std::string& text, Visit visit, bool chopped = true)
     }
 }
 
-// The number written right after key in line (all its digits); -1 when there is none
-// or it is too large to matter.
+// The digits written right after key in line ("" when there are none).
+std::string digits_after(const std::string& line, const char* key)
+{
+    const size_t start = line.find(key) + std::strlen(key);
+    size_t end = start;
+    while (end < line.size() && line[end] >= '0' && line[end] <= '9')
+        ++end;
+    return line.substr(start, end - start);
+}
+
+// Those digits as a number: -1 when there are none, too_large for more than three.
+constexpr int too_large = 1000;
 int number_after(const std::string& line, const char* key)
 {
-    size_t at = line.find(key) + std::strlen(key);
-    int number = -1;
-    for (; at < line.size() && line[at] >= '0' && line[at] <= '9'; ++at) {
-        number = (number < 0 ? 0 : number) * 10 + (line[at] - '0');
-        if (number > 999)
-            return -1;
-    }
-    return number;
+    const std::string digits = digits_after(line, key);
+    if (digits.empty())
+        return -1;
+    return digits.size() > 3 ? too_large : std::stoi(digits);
 }
 
 // Index slot of an address key: no digit is slot 0; slots 16 and above do not exist.
@@ -359,8 +365,7 @@ void read_global_settings(const std::string& text, global_settings& s)
             read_hotkey(line, value, s);
         read_drive(line, value, s);
         if (holds(line, com_key) && !holds(line, "LastComPortNum=")) {
-            const int number = number_after(line, com_key);
-            s.com_ports.push_back({"COM" + (number < 0 ? std::string() : std::to_string(number)), value});
+            s.com_ports.push_back({"COM" + digits_after(line, com_key), value});
         }
         if (holds(line, "KeyboardLayout"))
             s.keyboard_layout = value;

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -78,7 +79,8 @@ TEST(wfclient, address_slots)
     const std::pair<const char*, std::vector<std::string>> rows[] = {
         {"TcpBrowserAddress15=last\nTcpBrowserAddress=first\nTcpBrowserAddress1=one\n",
          {"first", "one", "last"}},
-        {"TcpBrowserAddress99=x\nTcpBrowserAddress100=y\nTcpBrowserAddress16=z\n", {}},
+        {"TcpBrowserAddress99=x\nTcpBrowserAddress100=y\nTcpBrowserAddress16=z\n"
+         "TcpBrowserAddress00000000000000000001000=w\n", {}},
         {"TcpBrowserAddress2\nTcpBrowserAddress=a=b\n", {"a=b"}},  // no "=": no address
     };
     for (const auto& [text, tcp] : rows)
@@ -171,8 +173,15 @@ TEST_F(wfclient_files, failures_leave_the_file_whole)
     EXPECT_EQ(messages.shown, std::vector<std::string>{"\nCouldn't open tmp Citrix wfclient.ini file.\n"});
     EXPECT_EQ(read_file_text(wfclient_file), "[WFClient]\nTcpBrowserAddress=old\n");
 
-    // Through the temporary copy and back.
+    // A temporary copy that cannot be written whole (a full disk) is not copied back.
+    messages.shown.clear();
     tmp_dir = root / "tmp";
+    ASSERT_EQ(symlink("/dev/full", (tmp_dir + "/wfclient.ini").c_str()), 0);
+    EXPECT_FALSE(rewrite_wfclient([](const std::string&) { return std::string("[WFClient]\n"); }));
+    EXPECT_EQ(messages.shown, std::vector<std::string>{"\nCouldn't open tmp Citrix wfclient.ini file.\n"});
+    EXPECT_EQ(read_file_text(wfclient_file), "[WFClient]\nTcpBrowserAddress=old\n");
+
+    // Through the temporary copy and back.
     EXPECT_TRUE(rewrite_wfclient([](const std::string& t) { return t + "Added=1\n"; }));
     EXPECT_EQ(read_file_text(wfclient_file), "[WFClient]\nTcpBrowserAddress=old\nAdded=1\n");
 }
