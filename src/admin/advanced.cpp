@@ -4,6 +4,7 @@
 #include "admin/previews.h"
 #include "admin/tree_moves.h"
 #include "editors/connections.h"
+#include "ica/global_settings.h"
 #include "platform/message.h"
 #include "platform/paths.h"
 #include "platform/users.h"
@@ -226,7 +227,7 @@ void cancel_cb(GtkWidget*, gpointer window) { gtk_widget_destroy(GTK_WIDGET(wind
 
 GtkWidget* closing_buttons(advanced_parts* parts)
 {
-    GtkWidget* citrix = labelled_button("Citrix _Global Settings", nullptr, nullptr);
+    GtkWidget* citrix = labelled_button("Citrix _Global Settings", G_CALLBACK(ica_global_dialog), nullptr);
     GtkWidget* row = gtk_hbox_new(FALSE, spacing);
     for (GtkWidget* button : {citrix, labelled_button("_Save", G_CALLBACK(save_user_cb), parts->chooser),
                               labelled_button("_Cancel", G_CALLBACK(cancel_cb), parts->window),

@@ -14,6 +14,23 @@ void set_entry_text(GtkWidget* entry, const std::string& text)
     gtk_entry_set_text(GTK_ENTRY(entry), text.c_str());
 }
 
+// The member of radio's group whose label is label (null when none is).
+GtkWidget* radio_with_label(GtkWidget* radio, const std::string& label)
+{
+    for (GSList* m = gtk_radio_button_get_group(GTK_RADIO_BUTTON(radio)); m; m = m->next)
+        if (label == gtk_button_get_label(GTK_BUTTON(m->data)))
+            return GTK_WIDGET(m->data);
+    return nullptr;
+}
+
+std::string active_radio_label(GtkWidget* radio)
+{
+    for (GSList* m = gtk_radio_button_get_group(GTK_RADIO_BUTTON(radio)); m; m = m->next)
+        if (gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(m->data)))
+            return gtk_button_get_label(GTK_BUTTON(m->data));
+    return "";
+}
+
 }  // namespace
 
 void fill_widgets(std::span<const column_binding> table, GtkWidget* const* widgets,
@@ -34,6 +51,10 @@ void fill_widgets(std::span<const column_binding> table, GtkWidget* const* widge
             break;
         case bind::check_bit:
             gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(widget), (flags & b.bit) != 0);
+            break;
+        case bind::radio_label:
+            if (GtkWidget* radio = radio_with_label(widget, record[b.column]))
+                gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(radio), TRUE);
             break;
         }
     }
@@ -59,6 +80,9 @@ void read_widgets(std::span<const column_binding> table, GtkWidget* const* widge
             break;
         case bind::check_bit:
             break;  // the bits are kept by the boxes' handlers
+        case bind::radio_label:
+            record[b.column] = active_radio_label(widget);
+            break;
         }
     }
 }

@@ -14,6 +14,7 @@ enum class bind {
     password,     // a GtkEntry holding the clear password; the column holds the padded form
     check_bit,    // a toggle that owns a bit of the editor's option bits (no column)
     text_if_bit,  // a GtkEntry whose text is kept only while its bit is on
+    radio_label,  // a radio button of a group: the column holds the active member's label
 };
 
 struct column_binding {

@@ -17,6 +17,7 @@ namespace {
 using editor_opener = void (*)(GtkWidget*, GtkTreeModel*, GtkTreePath*);
 
 void new_das_connection(GtkWidget*, GtkTreeModel*, GtkTreePath*) { das_dialog(); }
+void open_ica_editor(GtkWidget*, GtkTreeModel*, GtkTreePath* path) { ica_dialog(path); }
 
 // Each type's editor, by its stored type and by its name in the chooser. DAS rows
 // cannot be edited: their editor only creates.
@@ -30,6 +31,7 @@ constexpr editor_route editor_routes[] = {
     {"DAS", "DAS", new_das_connection, nullptr},
     {"Web", "Firefox", web_dialog, web_dialog},
     {"Other", "Other", other_dialog, other_dialog},
+    {"ICA", "Citrix ICA", open_ica_editor, open_ica_editor},
 };
 
 constexpr const char* active_question =

@@ -5,6 +5,8 @@
 
 void web_dialog(GtkWidget* caller, GtkTreeModel* model, GtkTreePath* path);
 void other_dialog(GtkWidget* caller, GtkTreeModel* model, GtkTreePath* path);
+// The ICA editor takes only the master row to edit (null for a new connection).
+void ica_dialog(GtkTreePath* path);
 // DAS connections carry no settings: the editor only ever creates one.
 void das_dialog();
 // Runs the maker's DAS set-up wizard and waits for it; always 1.

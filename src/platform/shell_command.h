@@ -4,3 +4,6 @@
 #include <string>
 
 int run_shell_command(const std::string& command);
+// text as one word of a shell command (g_shell_quote): every path, host and map name put
+// into a command goes through it, so that no value is ever read as shell syntax.
+std::string shell_quote(const std::string& text);

@@ -24,10 +24,9 @@ std::string key_line(const char* key, const std::string& value)
 
 const char* on_off(bool on) { return on ? "On" : "Off"; }
 
-// "Off" gives 0, "On" 1, anything else (automatic) 2.
 const char* latency_mode(const std::string& text)
 {
-    return text == "Off" ? "0" : text == "On" ? "1" : "2";
+    return argument_for(ica_latency_modes, text, ica_other_latency);
 }
 
 std::string browser_lines(const connection_record& r)
@@ -36,9 +35,9 @@ std::string browser_lines(const connection_record& r)
     if (r[MC_ICA_LOCATION] != ica_default)
         lines += "DoNotUseDefaultCSL=On\n";
     const std::string& protocol = r[MC_ICA_PROTOCOL];
-    if (protocol == "SSL/TLS + HTTPS browser")
+    if (protocol == ica_ssl_browser)
         lines += "SSLEnable=On\n";
-    if (protocol == "TCP browser")
+    if (protocol == ica_tcp_browser)
         lines += key_line("LocTcpBrowserAddress", r[MC_ICA_LOCATION]) + "BrowserProtocol=UDP\n";
     else if (protocol != ica_default)
         lines += key_line("LocHttpBrowserAddress", r[MC_ICA_LOCATION]) +
@@ -52,9 +51,9 @@ std::string browser_lines(const connection_record& r)
 std::string proxy_type_text(const connection_record& r)
 {
     std::string type = r[MC_ICA_PROXY_TYPE];
-    if (type == "None (direct)")
+    if (type == ica_proxy_none)
         type.resize(4);
-    if (r[MC_ICA_ENCRYPTION] == "Secure (HTTPS)" && type.size() > 6)
+    if (r[MC_ICA_ENCRYPTION] == ica_proxy_secure && type.size() > 6)
         type.resize(6);
     return type;
 }
@@ -79,20 +78,14 @@ std::string audio_lines(const connection_record& r, unsigned long mask)
     if (!(mask & ica_client_audio))
         return "ClientAudio=Off\n";
     const std::string& quality = r[MC_SOUND];
-    return key_line("EnableAudioInput", r[MC_ICA_AUDIO_INPUT] == "Disabled" ? "No" : "Yes") +
-           key_line("AudioBandwidthLimit", quality == "High" ? "0" : quality == "Low" ? "2" : "1") +
+    return key_line("EnableAudioInput", r[MC_ICA_AUDIO_INPUT] == ica_audio_disabled ? "No" : "Yes") +
+           key_line("AudioBandwidthLimit", argument_for(ica_sound_qualities, quality, ica_other_bandwidth)) +
            "ClientAudio=On\n";
 }
 
 const char* desired_color(const std::string& colours)
 {
-    if (colours == "16")
-        return "1";
-    if (colours == "256")
-        return "2";
-    if (colours == "15-bit")
-        return "3";
-    return colours == "16-bit" ? "4" : "8";
+    return argument_for(ica_desired_colours, colours, ica_other_desired_colour);
 }
 
 std::string colour_lines(const connection_record& r, unsigned long mask)
@@ -101,9 +94,10 @@ std::string colour_lines(const connection_record& r, unsigned long mask)
     if (r[MC_COLOURS] != ica_default) {
         const std::string value = desired_color(r[MC_COLOURS]);
         lines += key_line("DesiredColor", value);
-        if (value == "2" && (mask & ica_approximate_on))
+        const bool colours_256 = r[MC_COLOURS] == ica_colour_256;
+        if (colours_256 && (mask & ica_approximate_on))
             lines += "ApproximateColors=On\n";
-        if (value == "2" && (mask & ica_approximate_off))
+        if (colours_256 && (mask & ica_approximate_off))
             lines += "ApproximateColors=Off\n";
     }
     return lines + key_line("UseDefaultSettingForColormap",
@@ -112,7 +106,7 @@ std::string colour_lines(const connection_record& r, unsigned long mask)
 
 std::string window_lines(const std::string& size)
 {
-    if (size == "Full Screen")
+    if (size == ica_full_screen)
         return "NoWindowManager=TRUE\nUseFullScreen=Yes\n";
     const std::string searched = size.substr(0, window_size_search);
     if (size_t percent = searched.find('%'); percent != std::string::npos)
@@ -204,7 +198,7 @@ std::string ica_section(const connection_record& r)
     s += line_if_set("Domain", r[MC_DOMAIN]);
     s += line_if_set("UserName", r[MC_USERNAME]);
     s += password_line(r);
-    if (r[MC_ICA_SPEEDSCREEN] == "Off")
+    if (r[MC_ICA_SPEEDSCREEN] == ica_speedscreen_off)
         s += "SpeedScreen=Off\n";
     return s;
 }

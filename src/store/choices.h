@@ -2,6 +2,7 @@
 // Every closed set of option bits and choice texts that the editors store and the
 // launcher and the file writers read, defined once. A text column that matches none
 // of its choices (a hand-edited file) is kept as it stands and adds nothing.
+#include <cstddef>
 #include <string_view>
 
 // RDP option bits (column 33), each owned by one check box of the RDP editor. Bit 1
@@ -49,6 +50,18 @@ struct choice_argument {
     const char* text;
     const char* argument;
 };
+
+// What the session program or file is given for text, or fallback when text is none
+// of the choices.
+template <size_t N>
+constexpr const char* argument_for(const choice_argument (&choices)[N], std::string_view text,
+                                   const char* fallback)
+{
+    for (const choice_argument& choice : choices)
+        if (text == choice.text)
+            return choice.argument;
+    return fallback;
+}
 
 inline constexpr const char* rdp_use_default = "Use Default";
 inline constexpr const char* rdp_full_screen = "Full Screen";
@@ -99,3 +112,56 @@ inline constexpr xdm_mode xdm_modes[] = {
 
 // The ICA server location and proxy texts that mean "use the client's defaults".
 inline constexpr const char* ica_default = "Default";
+
+// The ICA editor's closed choices (columns 13 to 27), and what appsrv.ini gets for them.
+inline constexpr const char* ica_window_sizes[] = {
+    "Default",   "Full Screen", "640x480",   "800x600",   "1024x768",
+    "1280x1024", "1600x1200",   "1920x1080", "1920x1200", "1920x1440",
+    "2048x1536", "25% of screen size", "50% of screen size", "75% of screen size",
+    "100% of screen size",
+};
+inline constexpr const char* ica_full_screen = ica_window_sizes[1];
+// Window colours (column 14) and their DesiredColor; any other text is 8.
+inline constexpr const char* ica_colours[] = {"16", "256", "15-bit", "16-bit", "24-bit", "Default"};
+inline constexpr choice_argument ica_desired_colours[] = {
+    {"16", "1"}, {"256", "2"}, {"15-bit", "3"}, {"16-bit", "4"}};
+inline constexpr const char* ica_other_desired_colour = "8";
+inline constexpr const char* ica_colour_256 = ica_colours[1];
+// The 256 colour mappings, each owning one bit of the flag word.
+struct ica_colour_mapping {
+    const char* text;
+    ica_option bit;
+};
+inline constexpr ica_colour_mapping ica_colour_mappings[] = {
+    {"Shared - Approximate Colors", ica_approximate_on},
+    {"Private - Exact Colors", ica_approximate_off},
+    {"Default", ica_default_colormap},
+};
+// Sound quality (column 15) and its AudioBandwidthLimit; any other text is "1".
+inline constexpr choice_argument ica_sound_qualities[] = {{"High", "0"}, {"Med", "1"}, {"Low", "2"}};
+inline constexpr const char* ica_other_bandwidth = "1";
+inline constexpr const char* ica_sound_default = ica_sound_qualities[1].text;
+inline constexpr const char* ica_audio_inputs[] = {"Disabled", "Enabled"};
+inline constexpr const char* ica_audio_disabled = ica_audio_inputs[0];
+inline constexpr const char* ica_speedscreen_modes[] = {"On", "Off"};
+inline constexpr const char* ica_speedscreen_off = ica_speedscreen_modes[1];
+// Mouse click feedback and local text echo (columns 27, 26) and their ZL modes; any
+// other text is "2".
+inline constexpr choice_argument ica_latency_modes[] = {{"On", "1"}, {"Off", "0"}, {"Auto", "2"}};
+inline constexpr const char* ica_other_latency = "2";
+inline constexpr const char* ica_encryption_levels[] = {
+    "Basic", "RC5 (128 bit - Login Only)", "RC5 (40 bit)", "RC5 (56 bit)", "RC5 (128 bit)"};
+inline constexpr const char* ica_proxy_types[] = {"Default", "None (direct)", "SOCKS", "Secure (HTTPS)"};
+inline constexpr const char* ica_proxy_none = ica_proxy_types[1];
+inline constexpr const char* ica_proxy_secure = ica_proxy_types[3];
+inline constexpr const char* ica_session_reliability_port = "2598";
+inline constexpr const char* ica_relay_port = "441";
+
+// Server locations: the connection's group (column 6) and browser protocol (column 7).
+inline constexpr const char* ica_server_groups[] = {"Default", "Custom"};
+inline constexpr const char* ica_custom_group = ica_server_groups[1];
+inline constexpr const char* ica_protocols[] = {"TCP browser", "TCP + HTTP browser",
+                                                "SSL/TLS + HTTPS browser"};
+inline constexpr const char* ica_tcp_browser = ica_protocols[0];
+inline constexpr const char* ica_http_browser = ica_protocols[1];
+inline constexpr const char* ica_ssl_browser = ica_protocols[2];
