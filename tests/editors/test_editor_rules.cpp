@@ -1,0 +1,102 @@
+// The RDP and XDM editors' rules without a window: presets, printcap names, earlier
+// printer choices, the selection text and the choice lists.
+#include "editors/choice_lists.h"
+#include "editors/rdp_rules.h"
+#include "support/test_support.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+
+namespace {
+
+using texts = std::vector<std::string>;
+
+TEST(experience_presets, each_preset_and_its_bits_both_ways)
+{
+    // Bits 64 desktop background, 128 dragging, 256 animation, 512 themes.
+    const struct { const char* preset; unsigned long bits; } presets[] = {
+        {"Modem (28.8 Kbps)", 0},
+        {"Modem (56 Kbps)", 512},
+        {"Broadband (128 Kbps - 1.5 Mbps)", 128 + 256 + 512},
+        {"LAN (10 Mbps or higher)", 64 + 128 + 256 + 512},
+    };
+    const unsigned long others = 4096 + 32 + 2;  // bits outside the four are kept
+    for (const auto& p : presets) {
+        EXPECT_STREQ(experience_for_bits(p.bits | others), p.preset);
+        EXPECT_EQ(bits_for_experience(p.preset, 64 + 256 + others), p.bits | others) << p.preset;
+    }
+    for (unsigned long custom : {64ul, 128ul + 512, 64ul + 128 + 256, 256ul})
+        EXPECT_STREQ(experience_for_bits(custom), "Custom") << custom;
+    for (const char* unchanged : {"Custom", "Modem", ""})
+        EXPECT_EQ(bits_for_experience(unchanged, 64 + 256 + 1024), 64u + 256 + 1024) << unchanged;
+}
+
+TEST(printcap, names_from_lines_comments_continuations_and_aliases)
+{
+    temp_dir dir;
+    const std::string long_name(150, 'p');
+    std::string printers;
+    for (int i = 0; i < 300; ++i)
+        printers += "q" + std::to_string(i) + "|queue " + std::to_string(i) + ":\\\n";
+    write_file(dir / "printcap",
+               "# lp|comment:\n"
+               "lp|laser|Laser in hall:\\\n"
+               "\t:sd=/var/spool/lpd/lp:\\\n"
+               "  :mx#0:\n"
+               "color:#trailing comment\n"
+               "no colon here\n"
+               "office printer:\n"
+               "xlp#:hidden:\n"
+               ":\n" +
+                   long_name + ":\n" + printers);
+    FILE* file = std::fopen((dir / "printcap").c_str(), "r");
+    ASSERT_TRUE(file);
+    const texts names = printcap_names(file);
+    std::fclose(file);
+    // The 150-character line comes in as a 101-character piece, without ":", then the rest.
+    texts expected{"lp", "color", "", std::string(49, 'p')};
+    for (int i = 0; i < 300; ++i)
+        expected.push_back("q" + std::to_string(i));
+    EXPECT_EQ(names, expected);
+}
+
+TEST(printer_choices, earlier_choice_found_in_the_entry_text)
+{
+    const std::string beyond = std::string(100, 'x') + ",far=\"Far\"";
+    const struct { std::string entry, name; bool redirect; const char* driver; } cases[] = {
+        {"lp=\"HP LaserJet 4\",lp2=\"Generic\"", "lp2", true, "Generic"},
+        {"lp=\"HP LaserJet 4\",lp2=\"Generic\"", "lp", true, "HP LaserJet 4"},
+        {"xlp=\"Inside\"", "lp", true, "Inside"},  // a plain substring search
+        {"lp=\"HP", "lp", true, ""},               // no closing quote: nothing read past it
+        {"lp=", "lp", true, ""},
+        {"lp2=\"A\"", "lp", false, ""},
+        {"", "lp", false, ""},
+        {beyond, "far", false, ""},  // beyond the first 102 characters
+        {beyond.substr(3), "far", true, ""},  // found, but its quotes lie beyond them
+    };
+    for (const auto& c : cases) {
+        const printer_choice choice = find_printer_choice(c.entry, c.name);
+        EXPECT_EQ(choice.redirect, c.redirect) << c.entry << " / " << c.name;
+        EXPECT_EQ(choice.driver, c.driver) << c.entry << " / " << c.name;
+    }
+}
+
+TEST(printer_choices, selection_text)
+{
+    EXPECT_EQ(printer_selection({}), "");
+    EXPECT_EQ(printer_selection({{"lp", "HP LaserJet 4"}}), "lp=\"HP LaserJet 4\"");
+    EXPECT_EQ(printer_selection({{"lp", "A"}, {"lp2", ""}, {"x", "B"}}),
+              "lp=\"A\",lp2=\"\",x=\"B\"");
+}
+
+TEST(choice_lists, distinct_descending_and_sorted)
+{
+    EXPECT_EQ(distinct_descending({"b", "A", "a"}), (texts{"b", "A"}));
+    EXPECT_EQ(distinct_descending({"ts2", "", "TS1", "ts1", "Ts2", "alpha"}),
+              (texts{"ts2", "TS1", "alpha", ""}));
+    EXPECT_EQ(distinct_descending({}), texts{});
+    EXPECT_EQ(sorted_ignoring_case({"de", "B", "a", "C", "b"}), (texts{"a", "B", "b", "C", "de"}));
+}
+
+}  // namespace
