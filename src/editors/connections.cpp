@@ -30,6 +30,8 @@ constexpr editor_route editor_routes[] = {
     {"DAS", "DAS", new_das_connection, nullptr},
     {"Web", "Firefox", web_dialog, web_dialog},
     {"Other", "Other", other_dialog, other_dialog},
+    {"RDP", "rdesktop", rd_dialog, rd_dialog},
+    {"XDM", "XDM", xdm_dialog, xdm_dialog},
 };
 
 constexpr const char* active_question =
