@@ -35,6 +35,7 @@ constexpr struct {
 constexpr const char* displays[] = {"1", "2", "3", "4", "5", "6"};
 constexpr const char* default_display = "3";
 constexpr int terminal_count = 12;
+constexpr int cell_padding = 4;  // as around the form's other rows
 
 std::vector<std::string> terminal_choices()
 {
@@ -78,8 +79,8 @@ GtkWidget* settings(editor* e)
     e->widgets[XDM_KEYMAP] = form_fixed_combo(table, 3, "Keymap:", "keymap", keymap_choices(), xdm_local_keyboard);
     GtkWidget* label = gtk_label_new("Query Mode:");
     gtk_misc_set_alignment(GTK_MISC(label), 0.0, 0.5);
-    gtk_table_attach_defaults(GTK_TABLE(table), label, 0, 1, 4, 5);
-    gtk_table_attach_defaults(GTK_TABLE(table), mode_row(e), 1, 2, 4, 5);
+    gtk_table_attach(GTK_TABLE(table), label, 0, 1, 4, 5, GTK_FILL, GTK_FILL, cell_padding, cell_padding);
+    gtk_table_attach(GTK_TABLE(table), mode_row(e), 1, 2, 4, 5, GTK_FILL, GTK_FILL, cell_padding, cell_padding);
     e->name = form_entry(table, 5, "Name this connection:", "name");
     return table;
 }

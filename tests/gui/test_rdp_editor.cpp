@@ -1,0 +1,288 @@
+// The RDP editor and its printer window, driven as the administrator drives them.
+#include "gui/editor_window_fixture.h"
+
+#include "editors/editors.h"
+#include "editors/rdp_editor.h"
+#include "launch/password.h"
+
+namespace {
+
+using texts = std::vector<std::string>;
+constexpr const char* title = "rdesktop connection";
+
+class rdp_editor_test : public editor_window_test {
+protected:
+    GtkWidget* open_new()
+    {
+        rd_dialog(nullptr, nullptr, nullptr);
+        return window(title);
+    }
+    GtkWidget* open_row(const std::string& name)
+    {
+        GtkTreeIter iter;
+        find_master_row(master_connection_list, name, "RDP", &iter);
+        GtkTreePath* path = gtk_tree_model_get_path(GTK_TREE_MODEL(master_connection_list), &iter);
+        rd_dialog(nullptr, GTK_TREE_MODEL(master_connection_list), path);
+        gtk_tree_path_free(path);
+        return window(title);
+    }
+    GtkWidget* printers() const { return find_window("Printers"); }
+    GtkListStore* printer_table() const
+    {
+        GtkWidget* view = find_named_widget(printers(), "printer_table");
+        return GTK_LIST_STORE(gtk_tree_view_get_model(GTK_TREE_VIEW(view)));
+    }
+    // (ticked, name, driver) of every printer row.
+    texts printer_rows() const
+    {
+        texts rows;
+        GtkTreeModel* model = GTK_TREE_MODEL(printer_table());
+        GtkTreeIter iter;
+        for (bool more = gtk_tree_model_get_iter_first(model, &iter); more; more = gtk_tree_model_iter_next(model, &iter))
+            rows.push_back((model_flag(model, &iter, 0) ? "x " : "- ") + model_text(model, &iter, 1) + " " +
+                           model_text(model, &iter, 2));
+        return rows;
+    }
+};
+
+connection_record with(connection_record record, column_texts columns)
+{
+    for (const auto& [column, text] : columns)
+        record[column] = text;
+    return record;
+}
+
+// Every column comes back as it was: the settings through the widgets, 0 to 4 kept.
+TEST_F(rdp_editor_test, record_round_trips_through_the_window)
+{
+    const connection_record full = with({}, {
+        {MC_NAME, "Office"}, {MC_TYPE, "RDP"}, {MC_PING_PORT, "3390"}, {MC_PING_VALID, "7"},
+        {MC_SERVER, "ts.example"}, {MC_PROGRAM, "notepad.exe"}, {MC_WORKDIR, "C:\\work"},
+        {MC_USERNAME, "ann"}, {MC_DOMAIN, "CORP"}, {MC_WINDOW_SIZE, "1142x864"},
+        {MC_COLOURS, "High Color (15 bit)"}, {MC_SOUND, "Do not play"}, {MC_RDP_CLIENT_HOST, "thin7"},
+        {MC_KEYBOARD, "Danish"}, {MC_RDP_EXPERIENCE, "Broadband (128 Kbps - 1.5 Mbps)"},
+        {MC_RDP_DISK, "home=/home/ann"}, {MC_RDP_PRINTER, "lp=\"HP\""}, {MC_RDP_LPT, "LPT2=/dev/lp1"},
+        {MC_RDP_COM, "COM2=/dev/ttyS1"}, {MC_RDP_EXTRA_OPTIONS, "-T desk"},
+        // 2 4 8 16 32, 128 256 512, 1024 2048 4096 8192 16384
+        {MC_RDP_FLAGS, "32702"}, {MC_ICA_MASK, "0"}});
+    // Texts of another program's making, matching no choice, and every bit off.
+    const connection_record odd = with({}, {
+        {MC_NAME, "Odd"}, {MC_TYPE, "RDP"}, {MC_PING_PORT, "1"}, {MC_PING_VALID, "1"},
+        {MC_WINDOW_SIZE, "999x1"}, {MC_COLOURS, "Weird"}, {MC_SOUND, ""}, {MC_KEYBOARD, "Klingon"},
+        {MC_RDP_EXPERIENCE, "Modem (28.8 Kbps)"}, {MC_RDP_DISK, ""}, {MC_RDP_FLAGS, "00000"},
+        {MC_ICA_MASK, "0"}});
+    for (connection_record record : {full, odd}) {
+        record[MC_PASSWORD] = pad_password("s3cret", record[MC_NAME]);
+        record.ping_first = record[MC_NAME] == "Office";
+        record.from_file = true;
+        GtkTreePath* path = add_master_row(record[MC_NAME], "RDP", {});
+        GtkTreeIter iter;
+        gtk_tree_model_get_iter(GTK_TREE_MODEL(master_connection_list), &iter, path);
+        write_master_row(master_connection_list, &iter, record);
+        gtk_tree_path_free(path);
+
+        GtkWidget* w = open_row(record[MC_NAME]);
+        EXPECT_EQ(text_of(w, "password"), "s3cret");
+        EXPECT_EQ(text_of(w, "experience"), record[MC_RDP_EXPERIENCE]);
+        EXPECT_FALSE(gtk_widget_is_sensitive(control(w, "name")));
+        EXPECT_EQ(printers(), nullptr) << "loading \"Printers\" on opens no printer window";
+        EXPECT_FALSE(gtk_widget_get_visible(main_window));
+        click(w, "_Save");
+        EXPECT_EQ(find_window(title), nullptr);
+        EXPECT_TRUE(gtk_widget_get_visible(main_window));
+        const connection_record saved = master_row(record[MC_NAME], "RDP");
+        for (int column = 0; column < MC_COUNT; ++column)
+            EXPECT_EQ(saved[column], record[column]) << record[MC_NAME] << " column " << column;
+        EXPECT_EQ(saved.ping_first, record.ping_first);
+        EXPECT_EQ(saved.from_file, record.from_file);
+    }
+    EXPECT_TRUE(messages.shown.empty());
+}
+
+TEST_F(rdp_editor_test, new_connection_stores_the_defaults_and_checks_its_name)
+{
+    add_master_row("Taken", "RDP", {});
+    add_master_row("Fresh", "ICA", {});
+    GtkWidget* w = open_new();
+    EXPECT_EQ(combo_choices(w, "computer"), texts{""});
+    EXPECT_EQ(text_of(w, "keyboard"), "International Europe");
+    EXPECT_EQ(combo_choices(w, "keyboard"),
+              (texts{"Use Default", "Danish", "German (Germany)", "International Europe"}));
+    for (const char* refused : {"", "Taken"}) {
+        type_text(w, "name", refused);
+        click(w, "_Save");
+        EXPECT_EQ(find_window(title), w) << refused;
+    }
+    EXPECT_EQ(messages.shown, (texts{"\nPlease enter a name for this connection.\n",
+                                     "\nA connection with that name and type already exists.\n"}));
+    type_text(w, "name", "Fresh");
+    click(w, "_Save");
+    EXPECT_EQ(find_window(title), nullptr);
+    const connection_record saved = master_row("Fresh", "RDP");
+    const texts expected{"Fresh", "RDP", "", "3389", "1", "", "", "", "", "", "", "", "",
+                         "Use Default", "Use Default", "Bring to this computer", "", "", "", "", "",
+                         "", "", "", "", "", "International Europe", "Modem (56 Kbps)",
+                         "shared=/tmp/shared", "", "LPT1=/dev/lp0", "COM1=/dev/ttyS0", "", "04608", "0", ""};
+    EXPECT_EQ(texts(saved.col.begin(), saved.col.end()), expected);
+    EXPECT_TRUE(saved.ping_first);
+    EXPECT_NE(read_file_text(root / "home/ann/kestrel.inf").find("Fresh\nRDP\n"), std::string::npos);
+}
+
+TEST_F(rdp_editor_test, computer_list_is_distinct_and_descending)
+{
+    for (const auto& [name, type, server] : {std::tuple{"A1", "RDP", "b"}, {"A2", "RDP", "A"},
+                                             {"A3", "RDP", "a"}, {"A4", "XDM", "zz"}})
+        add_master_row(name, type, {{MC_SERVER, server}});
+    GtkWidget* w = open_new();
+    EXPECT_EQ(combo_choices(w, "computer"), (texts{"b", "A"}));
+    EXPECT_EQ(text_of(w, "computer"), "b");
+}
+
+TEST_F(rdp_editor_test, presets_set_the_boxes_and_the_boxes_name_the_preset)
+{
+    GtkWidget* w = open_new();
+    const char* boxes[] = {"background", "dragging", "animation", "themes"};
+    auto shown = [&] {
+        std::string on;
+        for (const char* box : boxes)
+            on += box_on(w, box) ? "1" : "0";
+        return on;
+    };
+    EXPECT_EQ(text_of(w, "experience"), "Modem (56 Kbps)");
+    EXPECT_EQ(shown(), "0001");
+    const struct { const char* preset; const char* boxes; } presets[] = {
+        {"LAN (10 Mbps or higher)", "1111"}, {"Modem (28.8 Kbps)", "0000"},
+        {"Broadband (128 Kbps - 1.5 Mbps)", "0111"}, {"Custom", "0111"}, {"Modem (56 Kbps)", "0001"},
+    };
+    for (const auto& p : presets) {
+        type_text(w, "experience", p.preset);
+        EXPECT_EQ(shown(), p.boxes) << p.preset;
+        EXPECT_EQ(text_of(w, "experience"), p.preset);
+    }
+    const struct { const char* box; bool on; const char* preset; } changes[] = {
+        {"background", true, "Custom"}, {"themes", false, "Custom"}, {"background", false, "Modem (28.8 Kbps)"},
+        {"themes", true, "Modem (56 Kbps)"}, {"dragging", true, "Custom"}, {"animation", true, "Broadband (128 Kbps - 1.5 Mbps)"},
+        {"background", true, "LAN (10 Mbps or higher)"},
+    };
+    for (const auto& c : changes) {
+        set_box(w, c.box, c.on);
+        EXPECT_EQ(text_of(w, "experience"), c.preset) << c.box << " " << c.on;
+    }
+    type_text(w, "name", "Fast");
+    click(w, "_Save");
+    EXPECT_EQ(master_row("Fast", "RDP")[MC_RDP_FLAGS], "05056");  // compression and all four
+}
+
+TEST_F(rdp_editor_test, passwords_of_every_length_are_stored_padded_or_whole)
+{
+    const struct { size_t length; size_t stored; bool intact; } cases[] = {
+        {0, 0, true}, {1, 33, true}, {31, 33, true}, {32, 32, false}, {100, 100, false},
+    };
+    for (const auto& c : cases) {
+        const std::string name = "Desk" + std::to_string(c.length);
+        const std::string password(c.length, 'k');
+        GtkWidget* w = open_new();
+        type_text(w, "name", name);
+        type_text(w, "password", password);
+        click(w, "_Save");
+        const std::string stored = master_row(name, "RDP")[MC_PASSWORD];
+        EXPECT_EQ(stored.size(), c.stored) << c.length;
+        if (c.stored == 33) {
+            EXPECT_EQ(stored.front() ^ stored.back(), static_cast<int>(c.length));
+        }
+        w = open_row(name);
+        EXPECT_EQ(text_of(w, "password") == password, c.intact) << c.length;
+        click(w, "_Cancel");
+    }
+}
+
+TEST_F(rdp_editor_test, printer_window_reads_printcap_and_fills_the_entry)
+{
+    GtkWidget* w = open_new();
+    set_box(w, "printers", true);
+    EXPECT_EQ(messages.shown, texts{"\nCouldn't open printcaps.\n"});
+    EXPECT_TRUE(box_on(w, "printers"));
+    EXPECT_EQ(printers(), nullptr);
+    set_box(w, "printers", false);
+
+    write_file(root / "etc/printcap", "# printers\nlp|laser|Hall laser:\\\n\t:sd=/var/spool/lp:\n"
+                                      "colour:\nxlp:\nbig office:\n");
+    set_box(w, "printers", true);
+    ASSERT_NE(printers(), nullptr);
+    EXPECT_FALSE(gtk_widget_get_visible(w));
+    EXPECT_EQ(printer_rows(), (texts{"- lp ", "- colour ", "- xlp "}));
+    save_screenshot(printers(), "rdp_printers");
+    click(printers(), "_Cancel");
+    EXPECT_FALSE(box_on(w, "printers")) << "Cancel before any Save turns the box off";
+    EXPECT_TRUE(gtk_widget_get_visible(w));
+
+    set_box(w, "printers", true);
+    rd_printcap_enable_cb(nullptr, const_cast<gchar*>("1"), printer_table());
+    rd_printcap_enable_cb(nullptr, const_cast<gchar*>("2"), printer_table());
+    rd_printcap_editable_cb(nullptr, const_cast<gchar*>("2"), const_cast<gchar*>("HP LaserJet 4"), printer_table());
+    click(printers(), "_Save");
+    EXPECT_EQ(text_of(w, "printers_value"), "colour=\"\",xlp=\"HP LaserJet 4\"");
+    EXPECT_TRUE(box_on(w, "printers"));
+
+    // Reopened: the earlier choices come back, and lp is found inside "xlp=".
+    set_box(w, "printers", false);
+    set_box(w, "printers", true);
+    EXPECT_EQ(printer_rows(), (texts{"x lp HP LaserJet 4", "x colour ", "x xlp HP LaserJet 4"}));
+    click(printers(), "_Cancel");
+    EXPECT_TRUE(box_on(w, "printers")) << "Cancel after a Save keeps the box on";
+
+    set_box(w, "printers", false);
+    set_box(w, "printers", true);
+    for (const char* row : {"0", "1", "2"})
+        rd_printcap_enable_cb(nullptr, const_cast<gchar*>(row), printer_table());
+    click(printers(), "_Save");
+    EXPECT_EQ(text_of(w, "printers_value"), "");
+    EXPECT_FALSE(box_on(w, "printers"));
+    type_text(w, "printers_value", "lp=\"kept only while on\"");
+    type_text(w, "name", "Printing");
+    click(w, "_Save");
+    EXPECT_EQ(master_row("Printing", "RDP")[MC_RDP_PRINTER], "");
+}
+
+TEST_F(rdp_editor_test, printcap_with_hundreds_of_printers_and_long_lines)
+{
+    std::string printcap = std::string(250, 'w') + ":\\\n";
+    for (int i = 0; i < 400; ++i)
+        printcap += "p" + std::to_string(i) + "|alias " + std::to_string(i) + ":\n";
+    write_file(root / "etc/printcap", printcap);
+    GtkWidget* w = open_new();
+    type_text(w, "printers_value", "p7=\"Seven\"");
+    set_box(w, "printers", true);
+    const texts rows = printer_rows();
+    ASSERT_EQ(rows.size(), 401u);  // the long line's last piece is a name of its own
+    EXPECT_EQ(rows[0], "- " + std::string(48, 'w') + " ");
+    EXPECT_EQ(rows[8], "x p7 Seven");
+    EXPECT_EQ(rows[71], "- p70 ") << "p70 is not p7=";
+}
+
+TEST_F(rdp_editor_test, saved_connection_starts_rdesktop_with_its_settings)
+{
+    GtkWidget* w = open_new();
+    const std::pair<const char*, const char*> typed[] = {
+        {"computer", "ts.example"}, {"username", "ann"}, {"password", "pw"}, {"domain", "CORP"},
+        {"size", "1024x768"}, {"colors", "True Color (24 bit)"}, {"sound", "Leave at remote computer"},
+        {"keyboard", "German (Germany)"}, {"experience", "LAN (10 Mbps or higher)"},
+        {"extra_options_value", "-T 'My desk'"}, {"program", "not passed: box off"}, {"name", "Office"},
+    };
+    for (const auto& [name, text] : typed)
+        type_text(w, name, text);
+    set_box(w, "disk", true);
+    set_box(w, "extra_options", true);
+    set_box(w, "bitmap_caching", true);
+    const char* tabs[] = {"general", "display", "local_resources", "programs", "experience"};
+    for (int page = 0; page < 5; ++page) {
+        gtk_notebook_set_current_page(GTK_NOTEBOOK(control(w, "tabs")), page);
+        save_screenshot(w, std::string("rdp_") + tabs[page]);
+    }
+    click(w, "_Save");
+    EXPECT_EQ(launch("Office", "RDP"),
+              "rdesktop|rdesktop|-uann|-ppw|-dCORP|-g1024x768|-a24|-rsound:remote|-kde|-b|-z|-xl|"
+              "-rdisk:shared=/tmp/shared|-T|My desk|ts.example\n");
+}
+
+}  // namespace
