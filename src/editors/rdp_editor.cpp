@@ -196,7 +196,9 @@ GtkWidget* local_resources_tab(editor* e)
 {
     const std::vector<std::string> sound = texts_of(rdp_sound);
     e->widgets[RD_SOUND] = named_fixed_combo("sound", sound, sound.front());
-    e->widgets[RD_KEYBOARD] = named_fixed_combo("keyboard", keyboard_choices(), default_keyboard);
+    e->widgets[RD_KEYBOARD] = named_fixed_combo("keyboard", keyboard_choices(), rdp_use_default);
+    // Shown even when the machine has no map of that name.
+    set_combo_text(e->widgets[RD_KEYBOARD], default_keyboard);
     GtkWidget* devices = form_table();
     int row = 0;
     for (const auto& d : device_rows) {

@@ -4,10 +4,13 @@
 #include "editors/editors.h"
 #include "editors/rdp_editor.h"
 #include "launch/password.h"
+#include "shell/globals.h"
+#include "store/master_file.h"
 
 namespace {
 
 using texts = std::vector<std::string>;
+using editor_opener = void (*)(GtkWidget*, GtkTreeModel*, GtkTreePath*);
 constexpr const char* title = "rdesktop connection";
 
 class rdp_editor_test : public editor_window_test {
@@ -283,6 +286,62 @@ TEST_F(rdp_editor_test, saved_connection_starts_rdesktop_with_its_settings)
     EXPECT_EQ(launch("Office", "RDP"),
               "rdesktop|rdesktop|-uann|-ppw|-dCORP|-g1024x768|-a24|-rsound:remote|-kde|-b|-z|-xl|"
               "-rdisk:shared=/tmp/shared|-T|My desk|ts.example\n");
+}
+
+}  // namespace
+
+namespace {
+
+// The sample configuration's RDP and XDM connections open, take a change and save it,
+// every other column as it was.
+TEST_F(rdp_editor_test, demo_connections_open_change_and_save)
+{
+    write_file(root / "etc/.kestrel/kestrel.master", read_file_text(DEMO_MASTER));
+    make_connection_list(master_connection_list, (root / "etc/.kestrel/kestrel.master").c_str(), 35);
+    const struct { const char* name; const char* type; editor_opener open; const char* title, *control; int column; } demo[] = {
+        {"Office Desktop", "RDP", rd_dialog, "rdesktop connection", "username", MC_USERNAME},
+        {"Lab Display", "XDM", xdm_dialog, "XDM connection", "host", MC_SERVER},
+    };
+    for (const auto& d : demo) {
+        const connection_record before = master_row(d.name, d.type);
+        GtkTreeIter iter;
+        find_master_row(master_connection_list, d.name, d.type, &iter);
+        GtkTreePath* path = gtk_tree_model_get_path(GTK_TREE_MODEL(master_connection_list), &iter);
+        d.open(nullptr, GTK_TREE_MODEL(master_connection_list), path);
+        gtk_tree_path_free(path);
+        GtkWidget* w = window(d.title);
+        type_text(w, d.control, "changed");
+        click(w, "_Save");
+        connection_record expected = before;
+        expected[d.column] = "changed";
+        const connection_record after = master_row(d.name, d.type);
+        for (int column = 0; column < MC_COUNT; ++column)
+            EXPECT_EQ(after[column], expected[column]) << d.name << " column " << column;
+        EXPECT_NE(read_file_text(root / "etc/.kestrel/kestrel.master").find(std::string(d.name) + "\n" + d.type),
+                  std::string::npos);
+    }
+    EXPECT_TRUE(messages.shown.empty());
+}
+
+// A frame picture is shown only when the theme folder has it; none is no warning.
+TEST_F(rdp_editor_test, frame_pictures_come_from_the_theme_folder)
+{
+    const struct { int debian_set; const char* folder; } themes[] = {
+        {1, "usr/share/pixmaps/"}, {0, "usr/share/xfce4/themes/Curve/"}};
+    for (const auto& t : themes) {
+        debian = t.debian_set;
+        make_dirs(root / t.folder);
+        GdkPixbuf* picture = gdk_pixbuf_new(GDK_COLORSPACE_RGB, FALSE, 8, 16, 16);
+        gdk_pixbuf_fill(picture, 0x3366ccff);
+        gdk_pixbuf_save(picture, (root / t.folder + "terminal.png").c_str(), "png", nullptr, nullptr);
+        g_object_unref(picture);
+        GtkWidget* w = open_new();
+        EXPECT_TRUE(find_named_widget(w, "terminal.png")) << t.folder;
+        EXPECT_FALSE(find_named_widget(w, "print.png")) << t.folder;
+        click(w, "_Cancel");
+        std::remove((root / t.folder + "terminal.png").c_str());
+    }
+    EXPECT_TRUE(messages.shown.empty());
 }
 
 }  // namespace
