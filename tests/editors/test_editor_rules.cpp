@@ -1,5 +1,6 @@
-// The RDP and XDM editors' rules without a window: presets, printcap names, earlier
-// printer choices, the selection text and the choice lists.
+// The RDP and XDM editors' rules without a window: printcap names, earlier printer
+// choices, the selection text and the choice lists. The presets are tested through the
+// window, where both directions meet.
 #include "editors/choice_lists.h"
 #include "editors/rdp_rules.h"
 #include "support/test_support.h"
@@ -11,26 +12,6 @@
 namespace {
 
 using texts = std::vector<std::string>;
-
-TEST(experience_presets, each_preset_and_its_bits_both_ways)
-{
-    // Bits 64 desktop background, 128 dragging, 256 animation, 512 themes.
-    const struct { const char* preset; unsigned long bits; } presets[] = {
-        {"Modem (28.8 Kbps)", 0},
-        {"Modem (56 Kbps)", 512},
-        {"Broadband (128 Kbps - 1.5 Mbps)", 128 + 256 + 512},
-        {"LAN (10 Mbps or higher)", 64 + 128 + 256 + 512},
-    };
-    const unsigned long others = 4096 + 32 + 2;  // bits outside the four are kept
-    for (const auto& p : presets) {
-        EXPECT_STREQ(experience_for_bits(p.bits | others), p.preset);
-        EXPECT_EQ(bits_for_experience(p.preset, 64 + 256 + others), p.bits | others) << p.preset;
-    }
-    for (unsigned long custom : {64ul, 128ul + 512, 64ul + 128 + 256, 256ul})
-        EXPECT_STREQ(experience_for_bits(custom), "Custom") << custom;
-    for (const char* unchanged : {"Custom", "Modem", ""})
-        EXPECT_EQ(bits_for_experience(unchanged, 64 + 256 + 1024), 64u + 256 + 1024) << unchanged;
-}
 
 TEST(printcap, names_from_lines_comments_continuations_and_aliases)
 {
@@ -80,14 +61,8 @@ TEST(printer_choices, earlier_choice_found_in_the_entry_text)
         EXPECT_EQ(choice.redirect, c.redirect) << c.entry << " / " << c.name;
         EXPECT_EQ(choice.driver, c.driver) << c.entry << " / " << c.name;
     }
-}
-
-TEST(printer_choices, selection_text)
-{
     EXPECT_EQ(printer_selection({}), "");
-    EXPECT_EQ(printer_selection({{"lp", "HP LaserJet 4"}}), "lp=\"HP LaserJet 4\"");
-    EXPECT_EQ(printer_selection({{"lp", "A"}, {"lp2", ""}, {"x", "B"}}),
-              "lp=\"A\",lp2=\"\",x=\"B\"");
+    EXPECT_EQ(printer_selection({{"lp", "HP 4"}, {"lp2", ""}}), "lp=\"HP 4\",lp2=\"\"");
 }
 
 TEST(choice_lists, distinct_descending_and_sorted)

@@ -80,19 +80,17 @@ void editor_window_test::TearDown()
     log_close();
 }
 
-GtkTreePath* editor_window_test::add_master_row(const std::string& name, const std::string& type,
-                                                column_texts columns)
+connection_record with(connection_record record, column_texts columns)
 {
-    connection_record record;
-    record[MC_NAME] = name;
-    record[MC_TYPE] = type;
     for (const auto& [column, text] : columns)
         record[column] = text;
-    const int position = master_insert_position(GTK_TREE_MODEL(master_connection_list), name);
+    return record;
+}
+
+void editor_window_test::add_record(const connection_record& record)
+{
+    const int position = master_insert_position(GTK_TREE_MODEL(master_connection_list), record[MC_NAME]);
     insert_master_row(master_connection_list, position, record);
-    GtkTreeIter iter;
-    find_master_row(master_connection_list, name, type, &iter);
-    return gtk_tree_model_get_path(GTK_TREE_MODEL(master_connection_list), &iter);
 }
 
 connection_record editor_window_test::master_row(const std::string& name, const std::string& type) const
@@ -105,17 +103,21 @@ connection_record editor_window_test::master_row(const std::string& name, const 
     return read_master_row(GTK_TREE_MODEL(master_connection_list), &iter);
 }
 
-bool editor_window_test::has_master_row(const std::string& name, const std::string& type) const
+GtkWidget* editor_window_test::open(editor_opener opener, const char* title, const std::string& name,
+                                    const std::string& type)
 {
-    return find_master_row(master_connection_list, name, type, nullptr);
-}
-
-GtkWidget* editor_window_test::window(const char* title) const
-{
+    GtkTreeIter iter;
+    if (name.empty() || !find_master_row(master_connection_list, name, type, &iter)) {
+        opener(nullptr, nullptr, nullptr);
+    } else {
+        GtkTreePath* path = gtk_tree_model_get_path(GTK_TREE_MODEL(master_connection_list), &iter);
+        opener(nullptr, GTK_TREE_MODEL(master_connection_list), path);
+        gtk_tree_path_free(path);
+    }
     pump_events(10);
-    GtkWidget* w = find_window(title);
-    EXPECT_NE(w, nullptr) << title;
-    return w;
+    GtkWidget* window = find_window(title);
+    EXPECT_NE(window, nullptr) << title;
+    return window;
 }
 
 GtkWidget* editor_window_test::control(GtkWidget* window, const char* name) const
@@ -155,9 +157,9 @@ void editor_window_test::click(GtkWidget* window, const char* label) const
     pump_events(10);
 }
 
-std::vector<std::string> editor_window_test::combo_choices(GtkWidget* window, const char* name) const
+texts editor_window_test::combo_choices(GtkWidget* window, const char* name) const
 {
-    std::vector<std::string> choices;
+    texts choices;
     GtkTreeModel* model = gtk_combo_box_get_model(GTK_COMBO_BOX(control(window, name)));
     GtkTreeIter iter;
     for (bool more = gtk_tree_model_get_iter_first(model, &iter); more; more = gtk_tree_model_iter_next(model, &iter))

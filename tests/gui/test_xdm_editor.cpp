@@ -6,18 +6,11 @@
 
 namespace {
 
-using texts = std::vector<std::string>;
 constexpr const char* title = "XDM connection";
 
 class xdm_editor_test : public editor_window_test {
 protected:
-    GtkWidget* open(GtkTreePath* path)
-    {
-        xdm_dialog(nullptr, path ? GTK_TREE_MODEL(master_connection_list) : nullptr, path);
-        if (path)
-            gtk_tree_path_free(path);
-        return window(title);
-    }
+    GtkWidget* open_xdm(const std::string& name = "") { return open(xdm_dialog, title, name, "XDM"); }
     std::string mode(GtkWidget* w) const
     {
         std::string chosen;
@@ -30,28 +23,22 @@ protected:
 
 TEST_F(xdm_editor_test, record_round_trips_through_the_window)
 {
-    const column_texts records[] = {
-        {{MC_PING_PORT, "177"}, {MC_PING_VALID, "1"}, {MC_SERVER, "lab.example"}, {MC_XDM_MODE, "Query"},
-         {MC_XDM_VT, "7"}, {MC_XDM_DISPLAY, "2"}, {MC_KEYBOARD, "belgian"}, {MC_RDP_FLAGS, "0"}, {MC_ICA_MASK, "0"}},
+    const connection_record records[] = {
+        with({}, {{MC_NAME, "Lab"}, {MC_TYPE, "XDM"}, {MC_PING_PORT, "177"}, {MC_PING_VALID, "1"},
+                  {MC_SERVER, "lab.example"}, {MC_XDM_MODE, "Query"}, {MC_XDM_VT, "7"}, {MC_XDM_DISPLAY, "2"},
+                  {MC_KEYBOARD, "belgian"}, {MC_RDP_FLAGS, "0"}, {MC_ICA_MASK, "0"}}),
         // Texts of another program's making that match no choice are kept.
-        {{MC_PING_PORT, "0"}, {MC_PING_VALID, "3"}, {MC_SERVER, "x"}, {MC_XDM_MODE, "Indirect"},
-         {MC_XDM_VT, "vt9"}, {MC_XDM_DISPLAY, "12"}, {MC_KEYBOARD, "Klingon"}, {MC_RDP_FLAGS, "0"}, {MC_ICA_MASK, "0"}},
+        with({}, {{MC_NAME, "Odd"}, {MC_TYPE, "XDM"}, {MC_PING_PORT, "0"}, {MC_PING_VALID, "3"},
+                  {MC_SERVER, "x"}, {MC_XDM_MODE, "Indirect"}, {MC_XDM_VT, "vt9"}, {MC_XDM_DISPLAY, "12"},
+                  {MC_KEYBOARD, "Klingon"}, {MC_RDP_FLAGS, "0"}, {MC_ICA_MASK, "0"}}),
     };
-    int n = 0;
-    for (const column_texts& columns : records) {
-        const std::string name = "Lab" + std::to_string(n++);
-        GtkWidget* w = open(add_master_row(name, "XDM", columns));
+    for (const connection_record& record : records) {
+        add_record(record);
+        GtkWidget* w = open_xdm(record[MC_NAME]);
         EXPECT_FALSE(gtk_widget_is_sensitive(control(w, "name")));
         click(w, "_Save");
         EXPECT_EQ(find_window(title), nullptr);
-        const connection_record saved = master_row(name, "XDM");
-        connection_record expected;
-        expected[MC_NAME] = name;
-        expected[MC_TYPE] = "XDM";
-        for (const auto& [column, text] : columns)
-            expected[column] = text;
-        for (int column = 0; column < MC_COUNT; ++column)
-            EXPECT_EQ(saved[column], expected[column]) << name << " column " << column;
+        EXPECT_EQ(master_row(record[MC_NAME], "XDM").col, record.col);
     }
     EXPECT_TRUE(messages.shown.empty());
 }
@@ -60,8 +47,8 @@ TEST_F(xdm_editor_test, lists_and_the_defaults_of_a_new_connection)
 {
     for (const auto& [name, type, host] : {std::tuple{"A1", "XDM", "b"}, {"A2", "XDM", "A"},
                                            {"A3", "XDM", "a"}, {"A4", "RDP", "zz"}})
-        add_master_row(name, type, {{MC_SERVER, host}});
-    GtkWidget* w = open(nullptr);
+        add_record(with({}, {{MC_NAME, name}, {MC_TYPE, type}, {MC_SERVER, host}}));
+    GtkWidget* w = open_xdm();
     EXPECT_EQ(combo_choices(w, "host"), (texts{"b", "A"}));
     EXPECT_EQ(combo_choices(w, "display"), (texts{"1", "2", "3", "4", "5", "6"}));
     EXPECT_EQ(combo_choices(w, "vt").size(), 13u);
@@ -83,7 +70,7 @@ TEST_F(xdm_editor_test, lists_and_the_defaults_of_a_new_connection)
 
 TEST_F(xdm_editor_test, query_modes_and_the_host_field)
 {
-    GtkWidget* w = open(nullptr);
+    GtkWidget* w = open_xdm();
     EXPECT_EQ(mode(w), "Indirect");
     type_text(w, "host", "lab");
     set_box(w, "Broadcast", true);
@@ -102,8 +89,9 @@ TEST_F(xdm_editor_test, query_modes_and_the_host_field)
     };
     for (const auto& m : modes) {
         const std::string name = std::string("Lab ") + m.stored;
-        w = open(add_master_row(name, "XDM", {{MC_SERVER, "lab"}, {MC_XDM_MODE, m.stored}, {MC_XDM_DISPLAY, "3"},
-                                              {MC_XDM_VT, "Automatic"}, {MC_KEYBOARD, ""}}));
+        add_record(with({}, {{MC_NAME, name.c_str()}, {MC_TYPE, "XDM"}, {MC_SERVER, "lab"}, {MC_XDM_MODE, m.stored},
+                             {MC_XDM_DISPLAY, "3"}, {MC_XDM_VT, "Automatic"}, {MC_KEYBOARD, ""}}));
+        w = open_xdm(name);
         EXPECT_EQ(mode(w), m.shown) << m.stored;
         EXPECT_EQ(text_of(w, "host"), m.host_open ? "lab" : "") << m.stored;
         EXPECT_EQ(gtk_widget_is_sensitive(control(w, "host")), m.host_open) << m.stored;
@@ -117,7 +105,7 @@ TEST_F(xdm_editor_test, query_modes_and_the_host_field)
 
 TEST_F(xdm_editor_test, saved_connection_starts_x_with_its_settings)
 {
-    GtkWidget* w = open(nullptr);
+    GtkWidget* w = open_xdm();
     for (const auto& [name, text] : {std::pair{"host", "xhost"}, {"display", "2"}, {"vt", "7"},
                                      {"keymap", "German"}, {"name", "Lab"}})
         type_text(w, name, text);
@@ -127,20 +115,6 @@ TEST_F(xdm_editor_test, saved_connection_starts_x_with_its_settings)
     EXPECT_EQ(launch("Lab", "XDM"),
               "xkbcomp|xkbcomp|-xkm|-m|de|" + r + "/etc/X11/xkb/keymap/xfree86|-o|" + r +
                   "/tmp/tmp.xkm\nX|X|:2|vt7|+kb|-xkbmap|tmp.xkm|-query|xhost\n");
-}
-
-TEST_F(xdm_editor_test, keymap_list_of_hundreds_is_offered_sorted)
-{
-    for (int i = 300; i > 0; --i) {
-        const std::string name = "Layout " + std::to_string(1000 + i);
-        gtk_list_store_insert_with_values(keymap_list, nullptr, -1, KM_CODE, "x", KM_DESCRIPTION, name.c_str(), -1);
-    }
-    GtkWidget* w = open(nullptr);
-    const texts choices = combo_choices(w, "keymap");
-    ASSERT_EQ(choices.size(), 305u);
-    EXPECT_EQ(choices[4], "German");
-    EXPECT_EQ(choices[5], "Layout 1001");
-    EXPECT_EQ(choices.back(), "Layout 1300");
 }
 
 }  // namespace
