@@ -17,6 +17,8 @@
 
 namespace {
 
+// In the order a record is loaded. The preset (column 27) is not among them: it is never
+// read back, the boxes' bits decide what it shows, and Save stores what it shows.
 constexpr column_binding rd_columns[] = {
     {MC_SERVER, RD_COMPUTER, bind::combo_text},
     {MC_USERNAME, RD_USERNAME, bind::text},
@@ -55,11 +57,12 @@ constexpr struct {
     rd_widget box;
     const char* label;
     const char* name;
+    unsigned long bit;
 } experience_boxes[] = {
-    {RD_BACKGROUND, "Desktop background", "background"},
-    {RD_DRAGGING, "Show contents of window while dragging", "dragging"},
-    {RD_ANIMATION, "Menu and window animation", "animation"},
-    {RD_THEMES, "Themes", "themes"},
+    {RD_BACKGROUND, "Desktop background", "background", rdp_desktop_background},
+    {RD_DRAGGING, "Show contents of window while dragging", "dragging", rdp_window_drag},
+    {RD_ANIMATION, "Menu and window animation", "animation", rdp_menu_animation},
+    {RD_THEMES, "Themes", "themes", rdp_themes},
 };
 
 // The remaining boxes of the Performance frame and their initial states.
@@ -302,9 +305,8 @@ void rd_select_experience_cb(GtkEntry* entry, editor* e)
     // The preset already names what the boxes are about to show.
     for (const auto& b : experience_boxes)
         g_signal_handlers_block_by_func(e->widgets[b.box], gpointer(rd_toggle_experience_buttons_cb), e);
-    for (const column_binding& b : rd_columns)
-        if (b.kind == bind::check_bit && (b.bit & rdp_experience_bits))
-            gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(e->widgets[b.widget]), (wanted & b.bit) != 0);
+    for (const auto& b : experience_boxes)
+        gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(e->widgets[b.box]), (wanted & b.bit) != 0);
     for (const auto& b : experience_boxes)
         g_signal_handlers_unblock_by_func(e->widgets[b.box], gpointer(rd_toggle_experience_buttons_cb), e);
 }
