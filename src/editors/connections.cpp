@@ -32,6 +32,8 @@ constexpr editor_route editor_routes[] = {
     {"Web", "Firefox", web_dialog, web_dialog},
     {"Other", "Other", other_dialog, other_dialog},
     {"ICA", "Citrix ICA", open_ica_editor, open_ica_editor},
+    {"RDP", "rdesktop", rd_dialog, rd_dialog},
+    {"XDM", "XDM", xdm_dialog, xdm_dialog},
 };
 
 constexpr const char* active_question =

@@ -3,6 +3,8 @@
 // the master row to edit, or are null for a new connection.
 #include <gtk/gtk.h>
 
+void rd_dialog(GtkWidget* caller, GtkTreeModel* model, GtkTreePath* path);
+void xdm_dialog(GtkWidget* caller, GtkTreeModel* model, GtkTreePath* path);
 void web_dialog(GtkWidget* caller, GtkTreeModel* model, GtkTreePath* path);
 void other_dialog(GtkWidget* caller, GtkTreeModel* model, GtkTreePath* path);
 // The ICA editor takes only the master row to edit (null for a new connection).
