@@ -1,6 +1,7 @@
 // How long the RDP editor takes from the call to its window being mapped, with 1,000
 // connections (half of them RDP, so the Computer list is long) and an rdesktop keymap
 // folder of 300 maps. Printed, not asserted. Needs a display: run it under xvfb-run.
+#include "gui_timing.h"
 #include "editors/editors.h"
 #include "keymaps/keymaps.h"
 #include "store/models.h"
@@ -8,8 +9,6 @@
 
 #include <gtk/gtk.h>
 
-#include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -20,16 +19,6 @@ namespace {
 constexpr int connections = 1000;
 constexpr int keymaps = 300;
 constexpr int runs = 30;
-
-bool mapped = false;
-
-gboolean note_map(GSignalInvocationHint*, guint, const GValue* values, gpointer)
-{
-    GtkWidget* widget = GTK_WIDGET(g_value_get_object(&values[0]));
-    if (GTK_IS_WINDOW(widget) && g_strcmp0(gtk_window_get_title(GTK_WINDOW(widget)), "rdesktop connection") == 0)
-        mapped = true;
-    return TRUE;
-}
 
 void make_keymap_folder(const std::string& root)
 {
@@ -54,37 +43,15 @@ void fill_master_list()
     }
 }
 
-GtkWidget* editor_window()
-{
-    GList* windows = gtk_window_list_toplevels();
-    GtkWidget* found = nullptr;
-    for (GList* w = windows; w; w = w->next)
-        if (g_strcmp0(gtk_window_get_title(GTK_WINDOW(w->data)), "rdesktop connection") == 0)
-            found = GTK_WIDGET(w->data);
-    g_list_free(windows);
-    return found;
-}
-
 // Milliseconds from the call to the window's map event.
 double time_open(GtkTreePath* path)
 {
-    mapped = false;
-    const auto start = std::chrono::steady_clock::now();
-    rd_dialog(nullptr, path ? GTK_TREE_MODEL(master_connection_list) : nullptr, path);
-    while (!mapped)
-        gtk_main_iteration_do(TRUE);
-    const auto end = std::chrono::steady_clock::now();
-    gtk_widget_destroy(editor_window());
-    while (gtk_events_pending())
-        gtk_main_iteration();
-    return std::chrono::duration<double, std::milli>(end - start).count();
-}
-
-void report(const char* what, std::vector<double> times)
-{
-    std::sort(times.begin(), times.end());
-    std::printf("%-28s median %6.1f ms   min %6.1f ms   max %6.1f ms   (%zu runs)\n", what,
-                times[times.size() / 2], times.front(), times.back(), times.size());
+    const double ms = gui_timing::until_mapped("rdesktop connection", [&] {
+        rd_dialog(nullptr, path ? GTK_TREE_MODEL(master_connection_list) : nullptr, path);
+    });
+    gtk_widget_destroy(gui_timing::window_titled("rdesktop connection"));
+    gui_timing::settle();
+    return ms;
 }
 
 }  // namespace
@@ -98,8 +65,7 @@ int main(int argc, char** argv)
     make_keymap_folder(root);
     make_rdesktop_keymap();
     fill_master_list();
-    g_type_class_unref(g_type_class_ref(GTK_TYPE_WINDOW));  // registers the widget signals
-    g_signal_add_emission_hook(g_signal_lookup("map-event", GTK_TYPE_WIDGET), 0, note_map, nullptr, nullptr);
+    gui_timing::watch_maps();
 
     GtkTreePath* last_rdp = gtk_tree_path_new_from_indices(connections - 1, -1);
     std::vector<double> fresh, edited;
@@ -110,8 +76,8 @@ int main(int argc, char** argv)
     gtk_tree_path_free(last_rdp);
     std::printf("RDP editor, %d connections (%d RDP), %d keymaps:\n", connections, connections / 2,
                 gtk_tree_model_iter_n_children(GTK_TREE_MODEL(rdesktop_keymap_list), nullptr) - 1);
-    report("new connection", fresh);
-    report("existing connection", edited);
+    gui_timing::report("new connection", fresh);
+    gui_timing::report("existing connection", edited);
     const std::string clean = "rm -rf " + root;
     return std::system(clean.c_str()) == 0 ? 0 : 1;
 }

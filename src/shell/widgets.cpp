@@ -48,7 +48,8 @@ void hide_while_open(GtkWidget* window, GtkWidget* other)
 {
     if (!other)
         return;
-    g_signal_connect_swapped(window, "destroy", G_CALLBACK(gtk_widget_show), other);
+    // Tied to other's life too: a window that went first is not shown again.
+    g_signal_connect_object(window, "destroy", G_CALLBACK(gtk_widget_show), other, G_CONNECT_SWAPPED);
     gtk_widget_hide(other);
 }
 
