@@ -6,12 +6,6 @@ namespace {
 
 constexpr int cell_padding = 4;
 
-GtkWidget* named(GtkWidget* widget, const char* name)
-{
-    gtk_widget_set_name(widget, name);
-    return widget;
-}
-
 void attach_label(GtkWidget* table, int row, const char* label)
 {
     GtkWidget* text = gtk_label_new_with_mnemonic(label);
@@ -65,6 +59,12 @@ gboolean find_named_cb(GtkWidget* widget, const char* name, GtkWidget** found)
 }
 
 }  // namespace
+
+GtkWidget* named(GtkWidget* widget, const char* name)
+{
+    gtk_widget_set_name(widget, name);
+    return widget;
+}
 
 GtkWidget* form_table()
 {

@@ -10,6 +10,9 @@
 // Text entries take at most this many characters.
 inline constexpr int entry_limit = 100;
 
+// Gives widget a name (for tests and assistive technology) and returns it.
+GtkWidget* named(GtkWidget* widget, const char* name);
+
 // A table of form rows.
 GtkWidget* form_table();
 // An entry of at most max characters ("" default).

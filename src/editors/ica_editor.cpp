@@ -100,27 +100,7 @@ std::vector<std::string> texts(const choice_argument (&choices)[N])
     return list;
 }
 
-GtkWidget* named(GtkWidget* widget, const char* name)
-{
-    gtk_widget_set_name(widget, name);
-    return widget;
-}
-
-GtkWidget* note(const char* text)
-{
-    GtkWidget* label = gtk_label_new(text);
-    gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
-    gtk_misc_set_alignment(GTK_MISC(label), 0.0, 0.5);
-    return label;
-}
-
-GtkWidget* page(GtkWidget* notebook, const char* title)
-{
-    GtkWidget* box = gtk_vbox_new(FALSE, spacing);
-    gtk_container_set_border_width(GTK_CONTAINER(box), page_border);
-    gtk_notebook_append_page(GTK_NOTEBOOK(notebook), box, gtk_label_new(title));
-    return box;
-}
+GtkWidget* page(GtkWidget* notebook, const char* title) { return notebook_page(notebook, title, page_border); }
 
 void pack(GtkWidget* box, GtkWidget* child, bool grow = false)
 {
@@ -223,7 +203,7 @@ void server_page(GtkWidget* notebook, ica_editor* b)
 {
     editor* e = b->e;
     GtkWidget* box = page(notebook, "Server");
-    pack(box, note("Select a server from the list or enter a server name."));
+    pack(box, wrapped_note("Select a server from the list or enter a server name."));
     GtkWidget* radios = gtk_hbox_new(FALSE, spacing);
     e->widgets[ICA_SERVER_RADIO] = named(gtk_radio_button_new_with_label(nullptr, "Server"), "server-radio");
     e->widgets[ICA_PUBLISHED_RADIO] = named(
@@ -241,9 +221,9 @@ void server_page(GtkWidget* notebook, ica_editor* b)
     gtk_box_pack_start(GTK_BOX(row), e->widgets[ICA_SERVER], TRUE, TRUE, 0);
     pack(row, refresh);
     pack(box, row);
-    e->widgets[ICA_PRIMARY_SERVER] = named(note(""), "primary-server");
+    e->widgets[ICA_PRIMARY_SERVER] = named(wrapped_note(""), "primary-server");
     pack(box, e->widgets[ICA_PRIMARY_SERVER]);
-    pack(box, note("You can change your server location settings by clicking Server Location."));
+    pack(box, wrapped_note("You can change your server location settings by clicking Server Location."));
     GtkWidget* location = named(gtk_button_new_with_label("Server Location"), "server-location");
     GtkWidget* left = gtk_hbox_new(FALSE, 0);
     pack(left, location);
@@ -265,7 +245,7 @@ void applications_page(GtkWidget* notebook, editor* e)
 void logon_page(GtkWidget* notebook, editor* e)
 {
     GtkWidget* box = page(notebook, "Logon");
-    pack(box, note("If desired you can specify logon information to be used when connecting to "
+    pack(box, wrapped_note("If desired you can specify logon information to be used when connecting to "
                    "the remote application."));
     GtkWidget* table = form_table();
     e->widgets[ICA_USERNAME] = form_entry(table, 0, "Username:", "username");
@@ -297,7 +277,7 @@ GtkWidget* radio_column(const std::vector<std::string>& labels, const char* name
 void window_page(GtkWidget* notebook, editor* e)
 {
     GtkWidget* box = page(notebook, "Window");
-    pack(box, note("These settings specify how the application window will appear on your desktop."));
+    pack(box, wrapped_note("These settings specify how the application window will appear on your desktop."));
     GtkWidget* size = gtk_vbox_new(FALSE, spacing);
     e->widgets[ICA_SEAMLESS] = named(gtk_check_button_new_with_label("Seamless Window"), "seamless");
     e->widgets[ICA_WINDOW_SIZE] = named(fixed_choice_combo(texts(ica_window_sizes), ica_default), "window-size");
@@ -356,7 +336,7 @@ void firewall_page(GtkWidget* notebook, editor* e)
     GtkWidget* proxy = gtk_vbox_new(FALSE, spacing);
     e->widgets[ICA_PROXY_TYPE] = named(fixed_choice_combo(texts(ica_proxy_types), ica_default), "proxy-type");
     pack(proxy, e->widgets[ICA_PROXY_TYPE]);
-    pack(proxy, note("NOTE: When using the Secure (HTTPS) setting, enable SSL or 128-bit encryption to "
+    pack(proxy, wrapped_note("NOTE: When using the Secure (HTTPS) setting, enable SSL or 128-bit encryption to "
                      "assure a secure connection."));
     e->widgets[ICA_PROXY_ADDRESS] = limited_entry("proxy-address");
     e->widgets[ICA_PROXY_PORT] = limited_entry("proxy-port");

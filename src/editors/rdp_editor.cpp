@@ -119,14 +119,6 @@ GtkWidget* named_fixed_combo(const char* name, const std::vector<std::string>& c
     return combo;
 }
 
-GtkWidget* left_label(const char* text)
-{
-    GtkWidget* label = gtk_label_new(text);
-    gtk_misc_set_alignment(GTK_MISC(label), 0.0, 0.5);
-    gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
-    return label;
-}
-
 GtkWidget* column_of(std::initializer_list<GtkWidget*> children)
 {
     GtkWidget* column = gtk_vbox_new(FALSE, spacing);
@@ -189,9 +181,9 @@ GtkWidget* display_tab(editor* e)
 {
     e->widgets[RD_SIZE] = named_fixed_combo("size", texts_of(rdp_window_sizes), rdp_use_default);
     e->widgets[RD_COLOURS] = named_fixed_combo("colors", texts_of(rdp_colours), rdp_use_default);
-    GtkWidget* size = column_of({left_label("Choose the size of your remote desktop."), e->widgets[RD_SIZE]});
+    GtkWidget* size = column_of({wrapped_note("Choose the size of your remote desktop."), e->widgets[RD_SIZE]});
     GtkWidget* colours = column_of(
-        {e->widgets[RD_COLOURS], left_label("Note: Settings on the remote computer might override this setting.")});
+        {e->widgets[RD_COLOURS], wrapped_note("Note: Settings on the remote computer might override this setting.")});
     return column_of({pictured_frame("Remote Desktop Size", "terminal.png", size), framed("Colors", colours)});
 }
 
@@ -234,7 +226,7 @@ GtkWidget* experience_tab(editor* e)
     e->widgets[RD_EXPERIENCE] = named_fixed_combo("experience", presets, presets.front());
     GtkWidget* table = form_table();
     int row = 0;
-    gtk_table_attach_defaults(GTK_TABLE(table), left_label("Allow the following:"), 0, 2, row, row + 1);
+    gtk_table_attach_defaults(GTK_TABLE(table), wrapped_note("Allow the following:"), 0, 2, row, row + 1);
     ++row;
     for (const auto& b : experience_boxes)
         e->widgets[b.box] = form_check(table, row++, b.label, b.name);
@@ -244,7 +236,7 @@ GtkWidget* experience_tab(editor* e)
         form_check_entry(table, row, "Use these additional options", "extra_options", &e->widgets[RD_EXTRA],
                          "extra_options_value");
     GtkWidget* performance = column_of(
-        {left_label("Choose your connection speed to optimize performance."), e->widgets[RD_EXPERIENCE], table});
+        {wrapped_note("Choose your connection speed to optimize performance."), e->widgets[RD_EXPERIENCE], table});
     return column_of({pictured_frame("Performance", "unknown.png", performance)});
 }
 

@@ -56,14 +56,6 @@ GtkWidget* printer_view(GtkListStore* table)
     return view;
 }
 
-GtkWidget* note_label()
-{
-    GtkWidget* label = gtk_label_new(note);
-    gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
-    gtk_misc_set_alignment(GTK_MISC(label), 0.0, 0.5);
-    return label;
-}
-
 GtkWidget* window_of(GtkWidget* button) { return gtk_widget_get_toplevel(button); }
 
 void turn_printers_off(editor* e)
@@ -91,7 +83,7 @@ void rd_printcap_dialog(GtkToggleButton* box, editor* e)
     g_object_set_data_full(G_OBJECT(window), table_key, table, g_object_unref);
     GtkWidget* column = gtk_vbox_new(FALSE, window_border);
     gtk_box_pack_start(GTK_BOX(column), vertical_scroller(printer_view(table)), TRUE, TRUE, 0);
-    gtk_box_pack_start(GTK_BOX(column), note_label(), FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(column), wrapped_note(note), FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(column),
                        save_cancel_row(window, G_CALLBACK(rd_printcap_ok_button_cb),
                                        G_CALLBACK(rd_printcap_cancel_button_cb), e),

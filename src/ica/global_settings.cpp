@@ -39,13 +39,7 @@ void free_window(gpointer data)
     delete g;
 }
 
-GtkWidget* page(GtkWidget* notebook, const char* title)
-{
-    GtkWidget* box = gtk_vbox_new(FALSE, spacing);
-    gtk_container_set_border_width(GTK_CONTAINER(box), border);
-    gtk_notebook_append_page(GTK_NOTEBOOK(notebook), box, gtk_label_new(title));
-    return box;
-}
+GtkWidget* page(GtkWidget* notebook, const char* title) { return notebook_page(notebook, title, border); }
 
 std::string cell_text(GtkTreeModel* model, GtkTreeIter* iter, int column)
 {

@@ -138,10 +138,7 @@ GtkWidget* location_controls(server_location_state* s)
     if (!s->host)  // a page of its host has the host's border already
         gtk_container_set_border_width(GTK_CONTAINER(column), border);
     gtk_box_pack_start(GTK_BOX(column), group_row(s), FALSE, FALSE, 0);
-    GtkWidget* note = gtk_label_new(group_note);
-    gtk_label_set_line_wrap(GTK_LABEL(note), TRUE);
-    gtk_misc_set_alignment(GTK_MISC(note), 0.0, 0.5);
-    gtk_box_pack_start(GTK_BOX(column), note, FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(column), wrapped_note(group_note), FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(column), address_view(s), TRUE, TRUE, 0);
     gtk_box_pack_start(GTK_BOX(column), list_buttons(s), FALSE, FALSE, 0);
     return column;

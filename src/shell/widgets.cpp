@@ -3,6 +3,7 @@
 namespace {
 
 constexpr int row_spacing = 10;
+constexpr int page_spacing = 6;
 
 // Choices are found by their text in the combo's own list.
 int choice_index(GtkWidget* combo, const std::string& text)
@@ -77,6 +78,22 @@ void set_combo_text(GtkWidget* combo, const std::string& text)
         gtk_combo_box_set_active(GTK_COMBO_BOX(combo), index);
     else
         gtk_entry_set_text(combo_entry(combo), text.c_str());
+}
+
+GtkWidget* wrapped_note(const char* text)
+{
+    GtkWidget* label = gtk_label_new(text);
+    gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
+    gtk_misc_set_alignment(GTK_MISC(label), 0.0, 0.5);
+    return label;
+}
+
+GtkWidget* notebook_page(GtkWidget* notebook, const char* title, int border)
+{
+    GtkWidget* page = gtk_vbox_new(FALSE, page_spacing);
+    gtk_container_set_border_width(GTK_CONTAINER(page), border);
+    gtk_notebook_append_page(GTK_NOTEBOOK(notebook), page, gtk_label_new(title));
+    return page;
 }
 
 GtkWidget* labelled_button(const char* label, GCallback handler, gpointer data)

@@ -24,6 +24,11 @@ std::string combo_text(GtkWidget* combo);
 // Shows text in the combo's entry, whether or not it is one of its choices.
 void set_combo_text(GtkWidget* combo, const std::string& text);
 
+// A left-aligned label that wraps: the notes and explanations of a window.
+GtkWidget* wrapped_note(const char* text);
+// A new page of notebook titled title: a column with border around it.
+GtkWidget* notebook_page(GtkWidget* notebook, const char* title, int border);
+
 // A button with a mnemonic label; clicked calls handler with data.
 GtkWidget* labelled_button(const char* label, GCallback handler, gpointer data);
 // A row of buttons at the end of a window: "_Save" (the default button) then
