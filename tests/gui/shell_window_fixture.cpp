@@ -88,7 +88,5 @@ std::string shell_window_test::cell(const char* path, int column) const
 
 void shell_window_test::add_program(const std::string& path, const std::string& body)
 {
-    make_dirs(root / path.substr(0, path.rfind('/')));
-    write_file(root / path, "#!/bin/sh\n" + body + "\n");
-    chmod((root / path).c_str(), 0755);
+    ::add_program(root / path, body);
 }
