@@ -78,6 +78,15 @@ void select_row(GtkWidget* window, const char* view, const char* path)
     gtk_tree_path_free(at);
 }
 
+void screenshot_pages(GtkWidget* window, const char* notebook, const std::string& prefix)
+{
+    GtkNotebook* pages = GTK_NOTEBOOK(named(window, notebook));
+    for (int page = 0; page < gtk_notebook_get_n_pages(pages); ++page) {
+        gtk_notebook_set_current_page(pages, page);
+        save_screenshot(window, prefix + std::to_string(page + 1));
+    }
+}
+
 std::string choices(GtkWidget* window, const char* name)
 {
     GtkWidget* widget = named(window, name);

@@ -28,6 +28,8 @@ bool sensitive(GtkWidget* window, const char* name);
 void click(GtkWidget* window, const char* label);
 // Selects the row at path in the named tree view of the window.
 void select_row(GtkWidget* window, const char* view, const char* path);
+// Saves a screenshot of every page of the named notebook, as prefix1.png, prefix2.png...
+void screenshot_pages(GtkWidget* window, const char* notebook, const std::string& prefix);
 // Column 0 of every row of the named combo or tree view, a line each.
 std::string choices(GtkWidget* window, const char* name);
 

@@ -1,5 +1,6 @@
 // The ICA editor's own rules, the Server Location dialog and the Citrix global
 // settings, driven through their windows.
+#include "editors/binding.h"
 #include "editors/connect_info.h"
 #include "editors/editors.h"
 #include "gui/admin_fixture.h"
@@ -30,45 +31,37 @@ TEST_F(ica_test, controls_follow_their_rules)
     ASSERT_TRUE(open_ica());
     // The wfclient.ini that opening the editor made: no client copy, so the nine lines.
     EXPECT_EQ(read_file_text(wfclient_file).substr(0, 24), "[WFClient]\nVersion = 2\n\n");
-    for (int page = 0; page < gtk_notebook_get_n_pages(GTK_NOTEBOOK(w("pages"))); ++page) {
-        gtk_notebook_set_current_page(GTK_NOTEBOOK(w("pages")), page);
-        save_screenshot(window, "ica-editor-" + std::to_string(page + 1));
+    screenshot_pages(window, "pages", "ica-editor-");
+    // Which of these can be used, and the option bits, after each step.
+    auto usable = [&] {
+        std::string on;
+        for (const char* name : {"seamless", "program", "workdir", "window-size", "mapping-Default", "sound-quality",
+                                 "microphone", "reliability-port", "proxy-address", "proxy-port"})
+            on += sensitive(name) ? "1" : "0";
+        return on;
+    };
+    const struct { const char* control; const char* value; const char* usable; const char* flags; } steps[] = {
+        {"name", "Desk", "0111011000", "01065"},
+        {"published-radio", "on", "1000011000", "03114"},  // seamless is turned on with it
+        {"seamless", "off", "1001011000", "01066"},        // and may still be turned off
+        {"server-radio", "on", "0111011000", "01065"},
+        {"colours-256", "on", "0111111000", "01065"},
+        {"sound", "off", "0111100000", "01033"},
+        {"reliability", "on", "0111100000", "01033"},  // no handler: no bit, the port stays off
+        {"proxy-type", "SOCKS", "0111100011", "01033"},
+        {"proxy-address", "proxy.lan", "0111100011", "01033"},
+        {"proxy-port", "1080", "0111100011", "01033"},
+        {"proxy-type", "None (direct)", "0111100000", "01033"},
+    };
+    for (const auto& step : steps) {
+        if (std::string(step.value) == "on" || std::string(step.value) == "off")
+            set_on(step.control, std::string(step.value) == "on");
+        else
+            type(step.control, step.value);
+        EXPECT_EQ(usable(), step.usable) << step.control << " " << step.value;
+        EXPECT_EQ(five_digits(connect_info.flags), step.flags) << step.control << " " << step.value;
     }
-    EXPECT_FALSE(sensitive("seamless"));
-    EXPECT_FALSE(sensitive("proxy-address"));
-    EXPECT_FALSE(sensitive("reliability-port"));
-    EXPECT_FALSE(sensitive("mapping-Default"));
-
-    set_on("published-radio");
-    EXPECT_TRUE(gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(w("seamless"))));
-    EXPECT_TRUE(sensitive("seamless"));
-    EXPECT_FALSE(sensitive("program") || sensitive("workdir") || sensitive("window-size"));
-    EXPECT_EQ(connect_info.flags & (1 | 2 | 2048), 2u | 2048u);
-    set_on("seamless", false);  // the user may still turn it off
-    EXPECT_TRUE(sensitive("window-size"));
-    set_on("server-radio");
-    EXPECT_FALSE(sensitive("seamless"));
-    EXPECT_TRUE(sensitive("program") && sensitive("workdir"));
-    EXPECT_EQ(connect_info.flags & (1 | 2 | 2048), 1u);
-
-    set_on("colours-256");
-    EXPECT_TRUE(sensitive("mapping-Default"));
-    set_on("sound", false);
-    EXPECT_FALSE(sensitive("sound-quality") || sensitive("microphone"));
-    const unsigned long before = connect_info.flags;
-    set_on("reliability");  // no handler: no bit, the port stays disabled
-    EXPECT_EQ(connect_info.flags, before);
-    EXPECT_FALSE(sensitive("reliability-port"));
-
-    type("proxy-type", "SOCKS");
-    EXPECT_TRUE(sensitive("proxy-address") && sensitive("proxy-port"));
-    type("proxy-address", "proxy.lan");
-    type("proxy-port", "1080");
-    type("proxy-type", "None (direct)");
-    EXPECT_FALSE(sensitive("proxy-address") || sensitive("proxy-port"));
     EXPECT_EQ(text_of(window, "proxy-address") + text_of(window, "proxy-port"), "");
-
-    type("name", "Desk");
     click(window, "_Save");
     // Server, compression and the default colour map; no sound, and no 64.
     EXPECT_EQ(master_row("Desk", "ICA")[MC_ICA_MASK], "01033");
@@ -81,15 +74,14 @@ TEST_F(ica_test, refresh_lists_what_pnabrowse_writes)
                 "case \"$2\" in fail) exit 3;; quiet) exit 0;; esac\n"
                 "printf '\"%s\"\\n' Word 'Mail \"Pro\"' 'Excel 2003'");
     ASSERT_TRUE(open_ica());
-    GtkWidget* refresh = w("refresh");
-    gtk_button_clicked(GTK_BUTTON(refresh));  // no default server location in the file
+    click(window, "refresh");  // no default server location in the file
     EXPECT_EQ(messages->shown, std::vector<std::string>{"\nPlease specify a default server location.\n"});
 
     std::string& group = connect_info.text[MC_ICA_LOCATION];
     GtkTreeModel* choices = gtk_combo_box_get_model(GTK_COMBO_BOX(w("server")));
     group = "it's; touch " + root / "injected";
     set_on("published-radio");
-    gtk_button_clicked(GTK_BUTTON(refresh));
+    click(window, "refresh");
     EXPECT_EQ(read_file_text(root / "pnabrowse.args"), "-A\n" + group + "\n");
     EXPECT_FALSE(path_exists(root / "injected"));
     ASSERT_EQ(gtk_tree_model_iter_n_children(choices, nullptr), 3);
@@ -99,7 +91,7 @@ TEST_F(ica_test, refresh_lists_what_pnabrowse_writes)
     for (const char* address : {"fail", "quiet"}) {
         group = address;
         set_on("server-radio");
-        gtk_button_clicked(GTK_BUTTON(refresh));
+        click(window, "refresh");
         EXPECT_EQ(read_file_text(root / "pnabrowse.args"), std::string("-S\n") + address + "\n");
     }
     // A failing run changes nothing; one that writes nothing leaves no choices.
@@ -162,14 +154,9 @@ TEST_F(ica_test, global_settings_pages_and_save)
                               "ComPort2=/dev/ttyS1\nComPort3=/dev/ttyUSB0\nLastComPortNum=3\n"
                               "AllowAudioInput=True\n");
     ica_global_dialog(nullptr, nullptr);
-    GtkWidget* settings = find_window("Settings");
+    GtkWidget* settings = window = find_window("Settings");
     ASSERT_TRUE(settings);
-    window = settings;
-    GtkWidget* pages = w("pages");
-    for (int i = 0; i < gtk_notebook_get_n_pages(GTK_NOTEBOOK(pages)); ++i) {
-        gtk_notebook_set_current_page(GTK_NOTEBOOK(pages), i);
-        save_screenshot(settings, "ica-global-" + std::to_string(i + 1));
-    }
+    screenshot_pages(settings, "pages", "ica-global-");
     EXPECT_EQ(combo_text(w("keyboard-layout")), "(User Profile)");
     type("hotkey-key-1", "+");
     type("hotkey-shift-15", "(none)");

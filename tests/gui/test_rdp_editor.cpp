@@ -32,25 +32,28 @@ TEST_F(rdp_editor_test, presets_set_the_boxes_and_the_boxes_name_the_preset)
             on += box_on(w, box) ? "1" : "0";
         return on;
     };
-    EXPECT_EQ(text_of(w, "experience"), "Modem (56 Kbps)");
-    EXPECT_EQ(boxes(), "0001");
-    const struct { const char* preset; const char* boxes; } presets[] = {
-        {"LAN (10 Mbps or higher)", "1111"}, {"Modem (28.8 Kbps)", "0000"},
-        {"Broadband (128 Kbps - 1.5 Mbps)", "0111"}, {"Custom", "0111"}, {"Modem (56 Kbps)", "0001"},
+    EXPECT_EQ(text_of(w, "experience") + " " + boxes(), "Modem (56 Kbps) 0001");
+    // A preset chosen sets the boxes; a box changed names the preset the boxes make.
+    const struct { const char* control; const char* value; const char* shown; } steps[] = {
+        {"experience", "LAN (10 Mbps or higher)", "LAN (10 Mbps or higher) 1111"},
+        {"experience", "Modem (28.8 Kbps)", "Modem (28.8 Kbps) 0000"},
+        {"experience", "Broadband (128 Kbps - 1.5 Mbps)", "Broadband (128 Kbps - 1.5 Mbps) 0111"},
+        {"experience", "Custom", "Custom 0111"},
+        {"experience", "Modem (56 Kbps)", "Modem (56 Kbps) 0001"},
+        {"background", "on", "Custom 1001"},
+        {"themes", "off", "Custom 1000"},
+        {"background", "off", "Modem (28.8 Kbps) 0000"},
+        {"themes", "on", "Modem (56 Kbps) 0001"},
+        {"dragging", "on", "Custom 0101"},
+        {"animation", "on", "Broadband (128 Kbps - 1.5 Mbps) 0111"},
+        {"background", "on", "LAN (10 Mbps or higher) 1111"},
     };
-    for (const auto& p : presets) {
-        type_text(w, "experience", p.preset);
-        EXPECT_EQ(boxes(), p.boxes) << p.preset;
-        EXPECT_EQ(text_of(w, "experience"), p.preset);
-    }
-    const struct { const char* box; bool on; const char* preset; } changes[] = {
-        {"background", true, "Custom"}, {"themes", false, "Custom"}, {"background", false, "Modem (28.8 Kbps)"},
-        {"themes", true, "Modem (56 Kbps)"}, {"dragging", true, "Custom"},
-        {"animation", true, "Broadband (128 Kbps - 1.5 Mbps)"}, {"background", true, "LAN (10 Mbps or higher)"},
-    };
-    for (const auto& c : changes) {
-        set_box(w, c.box, c.on);
-        EXPECT_EQ(text_of(w, "experience"), c.preset) << c.box << " " << c.on;
+    for (const auto& step : steps) {
+        if (std::string(step.control) == "experience")
+            type_text(w, "experience", step.value);
+        else
+            set_box(w, step.control, std::string(step.value) == "on");
+        EXPECT_EQ(text_of(w, "experience") + " " + boxes(), step.shown) << step.control << " " << step.value;
     }
     type_text(w, "name", "Fast");
     click(w, "_Save");
@@ -140,11 +143,7 @@ TEST_F(rdp_editor_test, saved_connection_starts_rdesktop_with_its_settings)
         type_text(w, name, text);
     for (const char* box : {"disk", "extra_options", "bitmap_caching"})
         set_box(w, box, true);
-    const char* tabs[] = {"general", "display", "local_resources", "programs", "experience"};
-    for (int page = 0; page < 5; ++page) {
-        gtk_notebook_set_current_page(GTK_NOTEBOOK(named(w, "tabs")), page);
-        save_screenshot(w, std::string("rdp_") + tabs[page]);
-    }
+    screenshot_pages(w, "tabs", "rdp-editor-");
     click(w, "_Save");
     EXPECT_EQ(launch("Office", "RDP"),
               "rdesktop|rdesktop|-uann|-ppw|-dCORP|-g1024x768|-a24|-rsound:remote|-kde|-b|-z|-xl|"
