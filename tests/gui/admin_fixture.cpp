@@ -124,7 +124,7 @@ std::string row_text(const connection_record& record)
 
 void admin_test::SetUp()
 {
-    for (const char* dir : {"etc/.kestrel", "tmp/.kestrel", "home/admin", "home/bob", "bin"})
+    for (const char* dir : {"etc/.kestrel", "home/admin", "home/bob", "bin"})
         make_dirs(root / dir);
     write_file(root / "etc/passwd",
                "admin:x:" + std::to_string(getuid()) + ":0::/home/admin:/bin/sh\n"
@@ -135,23 +135,16 @@ void admin_test::SetUp()
     write_file(root / "etc/group", "root:x:0:admin\n");
     for (const char* program : {"rdesktop", "X", "xkbcomp", "ping", "wfica"})
         ASSERT_EQ(symlink(RECORD_ARGV, (root / "bin/" + program).c_str()), 0) << program;
-    old_path = std::getenv("PATH");
-    setenv("PATH", (root / "bin:" + old_path).c_str(), 1);
     setenv("KEST_FAKE_LOG", (root / "fake.log").c_str(), 1);
-    log_open();
     fill_seedchars();
     ica_dir = root / "etc/.kestrel";
     wfclient_file = ica_dir + "/wfclient.ini";
     ica_root = root / "opt/ICAClient";
-    tmp_dir = root / "tmp/.kestrel";
     current_user_name = selected_user_name = "admin";
     current_user_filename = root / "home/admin/kestrel.inf";
     show_gui = 1;
     show_taskbar = kiosk_mode = shell_mode = 0;
     das = firefox = user_has_root = x11_keymap = 1;
-    misc_widgets = g_new0(GtkWidget*, 3);
-    master_connection_list = create_master_store();
-    current_user_connection_tree = create_user_tree_store();
     selected_user_connection_tree = create_user_tree_store();
     rdesktop_keymap_list = keymap_store({{"xx", "Use Default"}, {"intl", "International Europe"},
                                          {"de", "German (Germany)"}, {"da", "Danish"}});
@@ -166,26 +159,19 @@ void admin_test::SetUp()
 void admin_test::TearDown()
 {
     messages.reset();
+    // The windows a test left open; state closes the main window and the shared dialogs.
     GList* windows = gtk_window_list_toplevels();
-    for (GList* w = windows; w; w = w->next)
-        if (GTK_WIDGET(w->data) != error_dialog && GTK_WIDGET(w->data) != reconnect_dialog &&
-            gtk_widget_get_visible(GTK_WIDGET(w->data)))
-            gtk_widget_destroy(GTK_WIDGET(w->data));
-    g_list_free(windows);
-    for (GtkWidget* window : {root_window, error_dialog, reconnect_dialog})
-        if (window)
+    for (GList* w = windows; w; w = w->next) {
+        GtkWidget* window = GTK_WIDGET(w->data);
+        if (window != root_window && window != error_dialog && window != reconnect_dialog &&
+            gtk_widget_get_visible(window))
             gtk_widget_destroy(window);
-    pump_events(20);
-    root_window = error_dialog = reconnect_dialog = nullptr;
-    for (GtkListStore** list : {&master_connection_list, &rdesktop_keymap_list, &keymap_list})
-        g_clear_object(list);
-    g_clear_object(&current_user_connection_tree);
+    }
+    g_list_free(windows);
     g_clear_object(&selected_user_connection_tree);
-    g_free(misc_widgets);
-    misc_widgets = nullptr;
-    log_close();
+    g_clear_object(&rdesktop_keymap_list);
+    g_clear_object(&keymap_list);
     unsetenv("KEST_FAKE_LOG");
-    setenv("PATH", old_path.c_str(), 1);
 }
 
 std::string admin_test::record(const std::string& name, const std::string& type, bool ping,

@@ -4,7 +4,7 @@
 // the globals as start-up sets them, the main window, keyboard map lists, and the
 // recording fake first in PATH as every session program.
 #include "editors/form.h"
-#include "gui/gui_support.h"
+#include "gui/shell_window_fixture.h"
 #include "store/models.h"
 #include "store/record.h"
 #include "support/test_support.h"
@@ -66,7 +66,7 @@ protected:
 
     temp_dir root;
     scoped_root rooted{root.path()};
-    std::string old_path;
+    shell_state state{root};
     // Made after the main window, whose own handlers would show every message.
     std::unique_ptr<message_recorder> messages;
 };
