@@ -95,6 +95,42 @@ std::string choices(GtkWidget* window, const char* name)
                       {0});
 }
 
+namespace {
+
+void collect_shown(GtkWidget* widget, texts& shown)
+{
+    const std::string name = gtk_widget_get_name(widget);
+    const bool named_control = name.rfind("Gtk", 0) != 0;
+    if (named_control && GTK_IS_TOGGLE_BUTTON(widget)) {
+        if (gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(widget)))
+            shown.push_back(name);
+    } else if (named_control && (GTK_IS_ENTRY(widget) || GTK_IS_COMBO_BOX(widget))) {
+        const std::string text = GTK_IS_COMBO_BOX(widget) && !gtk_bin_get_child(GTK_BIN(widget))
+                                     ? combo_text(widget)
+                                     : gtk_entry_get_text(entry_of(widget));
+        if (!text.empty())
+            shown.push_back(name + "=" + text);
+    } else if (GTK_IS_CONTAINER(widget)) {
+        GList* children = gtk_container_get_children(GTK_CONTAINER(widget));
+        for (GList* child = children; child; child = child->next)
+            collect_shown(GTK_WIDGET(child->data), shown);
+        g_list_free(children);
+    }
+}
+
+}  // namespace
+
+std::string shown_values(GtkWidget* window)
+{
+    texts shown;
+    collect_shown(window, shown);
+    std::sort(shown.begin(), shown.end());
+    std::string text;
+    for (const std::string& item : shown)
+        text += (text.empty() ? "" : "; ") + item;
+    return text;
+}
+
 connection_record parse_row(const std::string& columns)
 {
     connection_record record;

@@ -33,6 +33,10 @@ void screenshot_pages(GtkWidget* window, const char* notebook, const std::string
 // Column 0 of every row of the named combo or tree view, a line each.
 std::string choices(GtkWidget* window, const char* name);
 
+// What the named controls of a window show, sorted and joined by "; ": "name=text" for
+// every entry or combo with a text, and the name alone for every toggle that is on.
+std::string shown_values(GtkWidget* window);
+
 // A master row as its 36 columns joined by "|": 2 and 35 are TRUE or FALSE, and the
 // password (11) is given in clear; it is stored padded with the row's name.
 connection_record parse_row(const std::string& columns);

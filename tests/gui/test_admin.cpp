@@ -32,10 +32,8 @@ protected:
     {
         click(advanced, "_Add");
         GtkWidget* chooser = find_window("Add Connection");
-        EXPECT_NE(chooser, nullptr);
-        if (!chooser)
-            return nullptr;
-        set_combo_text(named(chooser, "type"), choice);
+        type_text(chooser, "type", choice);
+        save_screenshot(chooser, "add_connection");
         click(chooser, "_Ok");
         return find_window(title);
     }
@@ -54,7 +52,6 @@ TEST_F(advanced_test, new_web_and_das_connections_are_saved_sorted_and_offered_t
     EXPECT_FALSE(gtk_widget_get_visible(advanced));
     type_text(web, "value", "http://wiki.example/start");
     type_text(web, "name", "Wiki");
-    save_screenshot(web, "web_editor");
     click(web, "_Save");
     EXPECT_EQ(find_window("Web connection"), nullptr);
     EXPECT_TRUE(gtk_widget_get_visible(advanced));
@@ -77,7 +74,7 @@ TEST_F(advanced_test, new_web_and_das_connections_are_saved_sorted_and_offered_t
 TEST_F(advanced_test, a_new_name_must_be_given_and_free_for_its_type)
 {
     GtkWidget* advanced = open_advanced();
-    struct attempt {
+    const struct {
         const char* choice;
         const char* title;
         const char* name;
@@ -88,12 +85,13 @@ TEST_F(advanced_test, a_new_name_must_be_given_and_free_for_its_type)
         {"Other", "Other connection", "Intranet", nullptr},  // the same name with another type
         {"Other", "Other connection", "intranet", nullptr},  // names differ by case
     };
-    for (const attempt& a : table) {
+    for (const auto& a : table) {
         messages->shown.clear();
         GtkWidget* editor = open_new_editor(advanced, a.choice, a.title);
         ASSERT_NE(editor, nullptr);
         type_text(editor, "value", "kept");
         type_text(editor, "name", a.name);
+        save_screenshot(editor, std::string(a.choice) + "_editor");
         click(editor, "_Save");
         GtkWidget* still_open = find_window(a.title);
         if (a.refusal) {
@@ -270,7 +268,8 @@ TEST_F(advanced_test, ping_first_and_its_options)
         GtkWidget* window = find_window("Ping Options");
         ASSERT_EQ(window != nullptr, p.window);
         if (window) {
-            save_screenshot(window, "ping_options");
+            if (std::string(p.action) == "_Save")
+                save_screenshot(window, "ping_options");
             EXPECT_FALSE(gtk_widget_get_visible(advanced));
             EXPECT_EQ(box_on(window, "smart-ping"), p.check);
             EXPECT_EQ(text_of(window, "port"), p.shown_port);
