@@ -30,27 +30,28 @@ TEST_F(admin_test, every_editor_saves_the_columns_it_shows_unchanged)
          "c20|c21|c22|c23|c24|c25|c26|c27|c28|c29|c30|c31|c32|c33|c34|TRUE",
          "name=Round; value=/usr/bin/xterm -e htop",
          "Round|Other|TRUE|3390|7||||/usr/bin/xterm -e htop|||||||||||||||||||||||||0|0|TRUE"},
-        {rd_dialog, "rdesktop connection",  // every option bit but 64
+        // Every other option bit on, then the others: two boxes whose bits were swapped
+        // both ways show here; texts kept only with their bit go.
+        {rd_dialog, "rdesktop connection",
          "Round|RDP|TRUE|3390|7|ts.example|c6|c7|notepad.exe|C:\\work|ann|s3cret|CORP|1142x864|High Color (15 bit)|"
-         "Do not play|c16|c17|c18|c19|thin7|c21|c22|c23|c24|c25|Danish|Broadband (128 Kbps - 1.5 Mbps)|"
-         "home=/home/ann|lp=\"HP\"|LPT2=/dev/lp1|COM2=/dev/ttyS1|-T desk|32702|c34|TRUE",
-         "animation; backing_store; bitmap_caching; client_hostname=thin7; colors=High Color (15 bit); compression; "
-         "computer=ts.example; disk; disk_value=home=/home/ann; domain=CORP; dragging; "
-         "experience=Broadband (128 Kbps - 1.5 Mbps); extra_options; extra_options_value=-T desk; folder=C:\\work; "
-         "keyboard=Danish; name=Round; parallel; parallel_value=LPT2=/dev/lp1; password=s3cret; persistent_caching; "
-         "printers; printers_value=lp=\"HP\"; program=notepad.exe; serial; serial_value=COM2=/dev/ttyS1; "
+         "Do not play|c16|c17|c18|c19|thin7|c21|c22|c23|c24|c25|Danish|Custom|"
+         "home=/home/ann|lp=\"HP\"|LPT2=/dev/lp1|COM2=/dev/ttyS1|-T desk|10922|c34|TRUE",
+         "backing_store; client_hostname=thin7; colors=High Color (15 bit); computer=ts.example; "
+         "disk_value=home=/home/ann; domain=CORP; dragging; experience=Custom; extra_options_value=-T desk; "
+         "folder=C:\\work; keyboard=Danish; name=Round; parallel; parallel_value=LPT2=/dev/lp1; password=s3cret; "
+         "persistent_caching; printers; printers_value=lp=\"HP\"; program=notepad.exe; serial_value=COM2=/dev/ttyS1; "
          "size=1142x864; sound=Do not play; start_program; themes; username=ann",
          "Round|RDP|TRUE|3390|7|ts.example|||notepad.exe|C:\\work|ann|s3cret|CORP|1142x864|High Color (15 bit)|"
-         "Do not play|||||thin7||||||Danish|Broadband (128 Kbps - 1.5 Mbps)|"
-         "home=/home/ann|lp=\"HP\"|LPT2=/dev/lp1|COM2=/dev/ttyS1|-T desk|32702|0|TRUE"},
-        {rd_dialog, "rdesktop connection",  // every bit off: texts kept only with a bit go
+         "Do not play|||||thin7||||||Danish|Custom|home=/home/ann|lp=\"HP\"|LPT2=/dev/lp1|COM2=/dev/ttyS1||10922|0|TRUE"},
+        {rd_dialog, "rdesktop connection",
          "Odd|RDP|FALSE|1|1|c5|c6|c7|c8|c9|c10|s3cret|c12|999x1|Weird|c15|c16|c17|c18|c19|c20|c21|c22|c23|c24|"
-         "c25|Klingon|Modem (28.8 Kbps)|c28|c29|c30|c31|c32|00000|c34|FALSE",
-         "client_hostname=c20; colors=Weird; computer=c5; disk_value=c28; domain=c12; experience=Modem (28.8 Kbps); "
-         "extra_options_value=c32; folder=c9; keyboard=Klingon; name=Odd; parallel_value=c30; password=s3cret; "
-         "printers_value=c29; program=c8; serial_value=c31; size=999x1; sound=c15; username=c10",
-         "Odd|RDP|FALSE|1|1|c5|||||c10|s3cret|c12|999x1|Weird|c15|||||c20||||||Klingon|Modem (28.8 Kbps)|"
-         "c28||c30|c31||00000|0|FALSE"},
+         "c25|Klingon|Custom|c28|c29|c30|c31|c32|21844|c34|FALSE",
+         "animation; background; bitmap_caching; client_hostname=c20; colors=Weird; compression; computer=c5; disk; "
+         "disk_value=c28; domain=c12; experience=Custom; extra_options; extra_options_value=c32; folder=c9; "
+         "keyboard=Klingon; name=Odd; parallel_value=c30; password=s3cret; printers_value=c29; program=c8; serial; "
+         "serial_value=c31; size=999x1; sound=c15; username=c10",
+         "Odd|RDP|FALSE|1|1|c5|||||c10|s3cret|c12|999x1|Weird|c15|||||c20||||||Klingon|Custom|c28||c30|c31|c32|"
+         "21844|0|FALSE"},
         {xdm_dialog, "XDM connection",
          "Lab|XDM|TRUE|177|1|lab.example|c6|Query|c8|c9|c10|c11|7|2|c14|c15|c16|c17|c18|c19|c20|c21|c22|c23|"
          "c24|c25|belgian|c27|c28|c29|c30|c31|c32|c33|c34|TRUE",
