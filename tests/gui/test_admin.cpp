@@ -191,11 +191,8 @@ TEST_F(advanced_test, users_are_chosen_from_the_password_database)
 
 TEST_F(advanced_test, leaving_restores_the_running_user_and_the_saved_master_list)
 {
-    struct leaving {
-        const char* button;
-        bool saved;
-    } table[] = {{"_Ok", true}, {"_Cancel", false}};
-    for (const leaving& l : table) {
+    const struct { const char* button; bool saved; } table[] = {{"_Ok", true}, {"_Cancel", false}};
+    for (const auto& l : table) {
         std::remove((root / "home/bob/kestrel.inf").c_str());
         GtkWidget* advanced = open_advanced();
         ASSERT_EQ(misc_widgets[0], advanced);
@@ -242,11 +239,13 @@ TEST_F(advanced_test, show_user_interface_is_saved_in_the_master_list)
 // "Ping First" and the Ping Options window, by what the administrator does.
 TEST_F(advanced_test, ping_first_and_its_options)
 {
-    struct ping_case {
-        const char* row;        // Desk RDP (on, 3389), Intranet Web (off, 8080), Tools Other (off, 80)
-        const char* action;     // what is done in the window: "", "_Save", "_Cancel", "close"
-        bool window, check;     // whether the window opened, and its box
-        const char* shown_port; // the entry when it opened
+    // The row: Desk RDP (on, 3389), Intranet Web (off, 8080), Tools Other (off, 80); what is
+    // done in the window ("", "_Save", "_Cancel", "close"); whether it opened, its box and
+    // port; the ping and port after.
+    const struct {
+        const char *row, *action;
+        bool window, check;
+        const char* shown_port;
         bool ping_after;
         const char* port_after;
     } table[] = {
@@ -256,7 +255,7 @@ TEST_F(advanced_test, ping_first_and_its_options)
         {"1", "close", true, true, "80", true, "80"},                // closing keeps it on
     };
     GtkWidget* advanced = open_advanced();
-    for (const ping_case& p : table) {
+    for (const auto& p : table) {
         SCOPED_TRACE(p.row);
         if (!gtk_widget_get_visible(advanced))
             gtk_widget_show(advanced);
