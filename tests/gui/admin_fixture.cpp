@@ -1,20 +1,166 @@
 #include "gui/admin_fixture.h"
 
 #include "admin/advanced.h"
-#include "editors/form.h"
+#include "editors/editors.h"
 #include "ica/paths.h"
+#include "keymaps/keymaps.h"
+#include "launch/password.h"
+#include "launch/spawn.h"
 #include "platform/log.h"
 #include "shell/globals.h"
 #include "shell/main_window.h"
+#include "shell/widgets.h"
 #include "store/master_file.h"
-#include "store/models.h"
 #include "store/user_file.h"
 
-#include <unistd.h>
+#include <sstream>
+
+namespace {
+
+GtkListStore* keymap_store(std::initializer_list<std::pair<const char*, const char*>> rows)
+{
+    GtkListStore* list = gtk_list_store_new(2, G_TYPE_STRING, G_TYPE_STRING);
+    for (const auto& [code, name] : rows)
+        gtk_list_store_insert_with_values(list, nullptr, -1, KM_CODE, code, KM_DESCRIPTION, name, -1);
+    return list;
+}
+
+GtkEntry* entry_of(GtkWidget* widget)
+{
+    return GTK_IS_COMBO_BOX(widget) ? GTK_ENTRY(gtk_bin_get_child(GTK_BIN(widget))) : GTK_ENTRY(widget);
+}
+
+}  // namespace
+
+void ica_opener(GtkWidget*, GtkTreeModel*, GtkTreePath* path) { ica_dialog(path); }
+
+GtkWidget* named(GtkWidget* window, const char* name)
+{
+    GtkWidget* widget = window ? find_named_widget(window, name) : nullptr;
+    EXPECT_NE(widget, nullptr) << name;
+    return widget;
+}
+
+std::string text_of(GtkWidget* window, const char* name) { return gtk_entry_get_text(entry_of(named(window, name))); }
+
+void type_text(GtkWidget* window, const char* name, const std::string& text)
+{
+    GtkWidget* widget = named(window, name);
+    if (GTK_IS_COMBO_BOX(widget))
+        set_combo_text(widget, text);
+    else
+        gtk_entry_set_text(GTK_ENTRY(widget), text.c_str());
+}
+
+void set_box(GtkWidget* window, const char* name, bool on)
+{
+    gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(named(window, name)), on);
+}
+
+bool box_on(GtkWidget* window, const char* name) { return gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(named(window, name))); }
+
+bool sensitive(GtkWidget* window, const char* name) { return gtk_widget_is_sensitive(named(window, name)); }
+
+void click(GtkWidget* window, const char* label)
+{
+    GtkWidget* button = window ? find_button(window, label) : nullptr;
+    if (!button)
+        button = named(window, label);
+    if (button)
+        gtk_button_clicked(GTK_BUTTON(button));
+    pump_events(10);
+}
+
+void select_row(GtkWidget* window, const char* view, const char* path)
+{
+    GtkTreePath* at = gtk_tree_path_new_from_string(path);
+    gtk_tree_selection_select_path(gtk_tree_view_get_selection(GTK_TREE_VIEW(named(window, view))), at);
+    gtk_tree_path_free(at);
+}
+
+void screenshot_pages(GtkWidget* window, const char* notebook, const std::string& prefix)
+{
+    GtkNotebook* pages = GTK_NOTEBOOK(named(window, notebook));
+    for (int page = 0; page < gtk_notebook_get_n_pages(pages); ++page) {
+        gtk_notebook_set_current_page(pages, page);
+        save_screenshot(window, prefix + std::to_string(page + 1));
+    }
+}
+
+std::string choices(GtkWidget* window, const char* name)
+{
+    GtkWidget* widget = named(window, name);
+    return dump_model(GTK_IS_COMBO_BOX(widget) ? gtk_combo_box_get_model(GTK_COMBO_BOX(widget))
+                                               : gtk_tree_view_get_model(GTK_TREE_VIEW(widget)),
+                      {0});
+}
+
+namespace {
+
+void collect_shown(GtkWidget* widget, texts& shown)
+{
+    const std::string name = gtk_widget_get_name(widget);
+    const bool named_control = name.rfind("Gtk", 0) != 0;
+    if (named_control && GTK_IS_TOGGLE_BUTTON(widget)) {
+        if (gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(widget)))
+            shown.push_back(name);
+    } else if (named_control && (GTK_IS_ENTRY(widget) || GTK_IS_COMBO_BOX(widget))) {
+        const std::string text = GTK_IS_COMBO_BOX(widget) && !gtk_bin_get_child(GTK_BIN(widget))
+                                     ? combo_text(widget)
+                                     : gtk_entry_get_text(entry_of(widget));
+        if (!text.empty())
+            shown.push_back(name + "=" + text);
+    } else if (GTK_IS_CONTAINER(widget)) {
+        GList* children = gtk_container_get_children(GTK_CONTAINER(widget));
+        for (GList* child = children; child; child = child->next)
+            collect_shown(GTK_WIDGET(child->data), shown);
+        g_list_free(children);
+    }
+}
+
+}  // namespace
+
+std::string shown_values(GtkWidget* window)
+{
+    texts shown;
+    collect_shown(window, shown);
+    std::sort(shown.begin(), shown.end());
+    std::string text;
+    for (const std::string& item : shown)
+        text += (text.empty() ? "" : "; ") + item;
+    return text;
+}
+
+connection_record parse_row(const std::string& columns)
+{
+    connection_record record;
+    std::istringstream fields(columns);
+    for (int c = 0; c < MC_COUNT; ++c)
+        std::getline(fields, record[c], '|');
+    record.ping_first = record[MC_PING] == "TRUE";
+    record.from_file = record[MC_FROM_FILE] == "TRUE";
+    record[MC_PING] = record[MC_FROM_FILE] = "";
+    record[MC_PASSWORD] = pad_password(record[MC_PASSWORD], record[MC_NAME]);
+    return record;
+}
+
+std::string row_text(const connection_record& record)
+{
+    std::string text;
+    for (int c = 0; c < MC_COUNT; ++c) {
+        std::string column = record[c];
+        if (c == MC_PING || c == MC_FROM_FILE)
+            column = (c == MC_PING ? record.ping_first : record.from_file) ? "TRUE" : "FALSE";
+        else if (c == MC_PASSWORD)
+            column = unpad_password(column, record[MC_NAME]);
+        text += (c ? "|" : "") + column;
+    }
+    return text;
+}
 
 void admin_test::SetUp()
 {
-    for (const char* dir : {"etc/.kestrel", "tmp/.kestrel", "home/admin", "home/bob"})
+    for (const char* dir : {"etc/.kestrel", "home/admin", "home/bob", "bin"})
         make_dirs(root / dir);
     write_file(root / "etc/passwd",
                "admin:x:" + std::to_string(getuid()) + ":0::/home/admin:/bin/sh\n"
@@ -23,17 +169,22 @@ void admin_test::SetUp()
                "nobody:x:65534:65534::/home/nobody:/bin/sh\n"
                "Zed:x:1002:1002::/var/lib/home-less:/bin/sh\n");
     write_file(root / "etc/group", "root:x:0:admin\n");
+    for (const char* program : {"rdesktop", "X", "xkbcomp", "ping", "wfica"})
+        ASSERT_EQ(symlink(RECORD_ARGV, (root / "bin/" + program).c_str()), 0) << program;
+    setenv("KEST_FAKE_LOG", (root / "fake.log").c_str(), 1);
+    fill_seedchars();
     ica_dir = root / "etc/.kestrel";
-    tmp_dir = root / "tmp/.kestrel";
+    wfclient_file = ica_dir + "/wfclient.ini";
+    ica_root = root / "opt/ICAClient";
     current_user_name = selected_user_name = "admin";
     current_user_filename = root / "home/admin/kestrel.inf";
     show_gui = 1;
     show_taskbar = kiosk_mode = shell_mode = 0;
-    das = firefox = user_has_root = 1;
-    misc_widgets = g_new0(GtkWidget*, 3);
-    master_connection_list = create_master_store();
-    current_user_connection_tree = create_user_tree_store();
+    das = firefox = user_has_root = x11_keymap = 1;
     selected_user_connection_tree = create_user_tree_store();
+    rdesktop_keymap_list = keymap_store({{"xx", "Use Default"}, {"intl", "International Europe"},
+                                         {"de", "German (Germany)"}, {"da", "Danish"}});
+    keymap_list = keymap_store({{"us", "English (US)"}, {"de", "German"}, {"be", "belgian"}});
     build_main_window();
     finish_main_window();
     add_advanced_button(G_CALLBACK(advanced_dialog));
@@ -44,22 +195,19 @@ void admin_test::SetUp()
 void admin_test::TearDown()
 {
     messages.reset();
+    // The windows a test left open; state closes the main window and the shared dialogs.
     GList* windows = gtk_window_list_toplevels();
-    for (GList* w = windows; w; w = w->next)
-        if (GTK_WIDGET(w->data) != error_dialog && GTK_WIDGET(w->data) != reconnect_dialog &&
-            gtk_widget_get_visible(GTK_WIDGET(w->data)))
-            gtk_widget_destroy(GTK_WIDGET(w->data));
-    g_list_free(windows);
-    for (GtkWidget* window : {root_window, error_dialog, reconnect_dialog})
-        if (window)
+    for (GList* w = windows; w; w = w->next) {
+        GtkWidget* window = GTK_WIDGET(w->data);
+        if (window != root_window && window != error_dialog && window != reconnect_dialog &&
+            gtk_widget_get_visible(window))
             gtk_widget_destroy(window);
-    pump_events(20);
-    root_window = error_dialog = reconnect_dialog = nullptr;
-    g_object_unref(master_connection_list);
-    g_object_unref(current_user_connection_tree);
-    g_object_unref(selected_user_connection_tree);
-    g_free(misc_widgets);
-    misc_widgets = nullptr;
+    }
+    g_list_free(windows);
+    g_clear_object(&selected_user_connection_tree);
+    g_clear_object(&rdesktop_keymap_list);
+    g_clear_object(&keymap_list);
+    unsetenv("KEST_FAKE_LOG");
 }
 
 std::string admin_test::record(const std::string& name, const std::string& type, bool ping,
@@ -95,29 +243,46 @@ GtkWidget* admin_test::open_advanced()
     return find_window("Advanced Configuration");
 }
 
-GtkWidget* admin_test::named(GtkWidget* window, const char* name)
+GtkWidget* admin_test::open(editor_opener opener, const char* title, const std::string& name,
+                            const std::string& type)
 {
-    GtkWidget* widget = find_named_widget(window, name);
-    EXPECT_NE(widget, nullptr) << name;
-    return widget;
+    GtkTreeIter iter;
+    GtkTreePath* path = nullptr;
+    if (!name.empty() && find_master_row(master_connection_list, name, type, &iter))
+        path = gtk_tree_model_get_path(GTK_TREE_MODEL(master_connection_list), &iter);
+    opener(nullptr, path ? GTK_TREE_MODEL(master_connection_list) : nullptr, path);
+    if (path)
+        gtk_tree_path_free(path);
+    pump_events(10);
+    return find_window(title);
 }
 
-void admin_test::select(GtkWidget* window, const char* view, const char* path)
+connection_record admin_test::master_row(const std::string& name, const std::string& type) const
 {
-    GtkTreeView* tree = GTK_TREE_VIEW(named(window, view));
-    GtkTreePath* at = gtk_tree_path_new_from_string(path);
-    gtk_tree_selection_select_path(gtk_tree_view_get_selection(tree), at);
-    gtk_tree_path_free(at);
+    GtkTreeIter iter;
+    if (!find_master_row(master_connection_list, name, type, &iter)) {
+        ADD_FAILURE() << "no master row " << name << "/" << type;
+        return {};
+    }
+    return read_master_row(GTK_TREE_MODEL(master_connection_list), &iter);
 }
 
-void admin_test::click(GtkWidget* window, const char* label)
+std::string admin_test::launch(const std::string& name, const std::string& type)
 {
-    GtkWidget* button = find_button(window, label);
-    if (!button)  // an icon button, named by its stock item
-        button = find_named_widget(window, label);
-    ASSERT_NE(button, nullptr) << label;
-    gtk_button_clicked(GTK_BUTTON(button));
-    pump_events();
+    GtkTreeIter master;
+    if (!find_master_row(master_connection_list, name, type, &master))
+        return "no master row";
+    gtk_list_store_set(master_connection_list, &master, MC_PING, FALSE, -1);
+    GtkTreeIter row;
+    gtk_tree_store_insert_with_values(current_user_connection_tree, &row, nullptr, -1, TC_PRIMARY, TRUE,
+                                      TC_NAME, name.c_str(), TC_TYPE, type.c_str(), TC_PID, "0", TC_STATUS,
+                                      "Not Connected", -1);
+    std::remove((root / "fake.log").c_str());
+    spawn_connection(GTK_TREE_MODEL(current_user_connection_tree), &row);
+    // The child may already have been reaped by spawn_connection; wait for any left.
+    while (waitpid(-1, nullptr, 0) > 0) {
+    }
+    return read_file_text(root / "fake.log");
 }
 
 std::string admin_test::master_file() const { return read_file_text(root / "etc/.kestrel/kestrel.master"); }

@@ -1,5 +1,7 @@
 #include "gui/gui_support.h"
 
+#include "support/test_support.h"
+
 #include <chrono>
 #include <sys/stat.h>
 #include <thread>
@@ -123,4 +125,11 @@ void save_screenshot(GtkWidget* window, const std::string& name)
     mkdir(KEST_SCREENSHOT_DIR, 0755);
     gdk_pixbuf_save(shot, (std::string(KEST_SCREENSHOT_DIR) + "/" + name + ".png").c_str(), "png", nullptr, nullptr);
     g_object_unref(shot);
+}
+
+void add_program(const std::string& file, const std::string& body)
+{
+    make_dirs(file.substr(0, file.rfind('/')));
+    write_file(file, "#!/bin/sh\n" + body + "\n");
+    chmod(file.c_str(), 0755);
 }

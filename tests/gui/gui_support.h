@@ -24,3 +24,6 @@ void answer_next_dialog(std::string* text, int response = GTK_RESPONSE_CLOSE);
 
 // Saves a PNG of the window under the build's screenshots folder.
 void save_screenshot(GtkWidget* window, const std::string& name);
+
+// A shell script at file (its folder made), as a fake of a program the system starts.
+void add_program(const std::string& file, const std::string& body);

@@ -19,16 +19,35 @@ void add_connection(GtkTreeIter* parent, GtkTreeIter* row, const std::string& na
 
 }  // namespace
 
-void shell_window_test::SetUp()
+shell_state::shell_state(const temp_dir& root)
 {
     make_dirs(root / "tmp/.kestrel");
     tmp_dir = root / "tmp/.kestrel";
     log_open();
-    old_path = std::getenv("PATH");
-    setenv("PATH", (root / "bin:" + old_path).c_str(), 1);
+    old_path_ = std::getenv("PATH");
+    setenv("PATH", (root / "bin:" + old_path_).c_str(), 1);
     misc_widgets = g_new0(GtkWidget*, 3);
     master_connection_list = create_master_store();
     current_user_connection_tree = create_user_tree_store();
+}
+
+shell_state::~shell_state()
+{
+    for (GtkWidget* window : {root_window, error_dialog, reconnect_dialog})
+        if (window)
+            gtk_widget_destroy(window);
+    pump_events(20);
+    root_window = error_dialog = reconnect_dialog = nullptr;
+    g_clear_object(&master_connection_list);
+    g_clear_object(&current_user_connection_tree);
+    g_free(misc_widgets);
+    misc_widgets = nullptr;
+    log_close();
+    setenv("PATH", old_path_.c_str(), 1);
+}
+
+void shell_window_test::SetUp()
+{
     GtkTreeIter desk, backup;
     add_connection(nullptr, &desk, "Desk", true);
     add_connection(&desk, &backup, "Backup", false);
@@ -41,17 +60,6 @@ void shell_window_test::TearDown()
         if (pid > 0 && kill(pid, SIGKILL) == 0)
             waitpid(pid, nullptr, 0);
     }
-    for (GtkWidget* window : {root_window, error_dialog, reconnect_dialog})
-        if (window)
-            gtk_widget_destroy(window);
-    pump_events(20);
-    root_window = error_dialog = reconnect_dialog = nullptr;
-    g_object_unref(master_connection_list);
-    g_object_unref(current_user_connection_tree);
-    g_free(misc_widgets);
-    misc_widgets = nullptr;
-    log_close();
-    setenv("PATH", old_path.c_str(), 1);
 }
 
 void shell_window_test::open_main_window(shell_setup setup)
@@ -88,7 +96,5 @@ std::string shell_window_test::cell(const char* path, int column) const
 
 void shell_window_test::add_program(const std::string& path, const std::string& body)
 {
-    make_dirs(root / path.substr(0, path.rfind('/')));
-    write_file(root / path, "#!/bin/sh\n" + body + "\n");
-    chmod((root / path).c_str(), 0755);
+    ::add_program(root / path, body);
 }

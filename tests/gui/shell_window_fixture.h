@@ -10,6 +10,20 @@
 #include "store/record.h"
 #include "support/test_support.h"
 
+// What every GUI test of a started shell sets up in its private root: the support
+// folder, the log, the root's bin first in PATH, the widget slots and the running
+// user's models. Going, it closes the main window and the shared dialogs and frees them.
+class shell_state {
+public:
+    explicit shell_state(const temp_dir& root);
+    ~shell_state();
+    shell_state(const shell_state&) = delete;
+    shell_state& operator=(const shell_state&) = delete;
+
+private:
+    std::string old_path_;
+};
+
 struct shell_setup {
     bool shell = false;
     bool admin = false;
@@ -32,5 +46,5 @@ protected:
 
     temp_dir root;
     scoped_root rooted{root.path()};
-    std::string old_path;
+    shell_state state{root};
 };

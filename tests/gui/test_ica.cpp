@@ -1,191 +1,70 @@
-// The ICA editor, the Server Location dialog and the Citrix global settings, driven
-// through their windows in a private root.
+// The ICA editor's own rules, the Server Location dialog and the Citrix global
+// settings, driven through their windows.
+#include "editors/binding.h"
 #include "editors/connect_info.h"
 #include "editors/editors.h"
-#include "editors/form.h"
-#include "gui/gui_support.h"
+#include "gui/admin_fixture.h"
 #include "ica/global_settings.h"
 #include "ica/paths.h"
-#include "launch/password.h"
-#include "launch/spawn.h"
-#include "platform/log.h"
 #include "platform/paths.h"
-#include "shell/globals.h"
 #include "shell/widgets.h"
-#include "store/models.h"
-#include "support/test_support.h"
-
-#include <gtest/gtest.h>
-
-#include <csignal>
-#include <cstdlib>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 
-class ica_test : public ::testing::Test {
+class ica_test : public admin_test {
 protected:
-    void SetUp() override
+    GtkWidget* open_ica(const std::string& name = "")
     {
-        for (const char* dir : {"etc/.kestrel", "tmp/.kestrel", "home/user", "bin"})
-            make_dirs(root / dir);
-        write_file(root / "etc/passwd", "tester:x:" + std::to_string(getuid()) + ":" +
-                                            std::to_string(getgid()) + "::/home/user:/bin/sh\n");
-        fill_seedchars();
-        tmp_dir = root / "tmp/.kestrel";
-        ica_dir = root / "etc/.kestrel";
-        wfclient_file = ica_dir + "/wfclient.ini";
-        ica_root = root / "opt/ICAClient";
-        selected_user_name = "tester";
-        current_user_filename = root / "home/user/kestrel.inf";
-        master_connection_list = create_master_store();
-        current_user_connection_tree = create_user_tree_store();
-        selected_user_connection_tree = create_user_tree_store();
-        misc_widgets = g_new0(GtkWidget*, 3);
-    }
-
-    void TearDown() override
-    {
-        for (const char* title : {"ICA connection", "Server Location", "Settings", "Add Server Address"})
-            while (GtkWidget* window = find_window(title))
-                gtk_widget_destroy(window);
-        pump_events(20);
-        g_object_unref(master_connection_list);
-        g_object_unref(current_user_connection_tree);
-        g_object_unref(selected_user_connection_tree);
-        g_free(misc_widgets);
-        misc_widgets = nullptr;
-    }
-
-    GtkWidget* open_editor_on(const char* row)
-    {
-        GtkTreePath* path = row ? gtk_tree_path_new_from_string(row) : nullptr;
-        ica_dialog(path);
-        if (path)
-            gtk_tree_path_free(path);
-        window = find_window("ICA connection");
+        window = open(ica_opener, "ICA connection", name, "ICA");
         return window;
     }
-    GtkWidget* w(const char* name, GtkWidget* in = nullptr) { return find_named_widget(in ? in : window, name); }
-    void set_on(const char* name, bool on = true)
-    {
-        gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(w(name)), on);
-    }
-    bool sensitive(const char* name) { return gtk_widget_is_sensitive(w(name)); }
-    void type(const char* name, const char* text) { gtk_entry_set_text(GTK_ENTRY(w(name)), text); }
-    void click(GtkWidget* in, const char* label) { gtk_button_clicked(GTK_BUTTON(find_button(in, label))); }
-    connection_record master_row(const char* row)
-    {
-        GtkTreeIter iter;
-        gtk_tree_model_get_iter_from_string(GTK_TREE_MODEL(master_connection_list), &iter, row);
-        return read_master_row(GTK_TREE_MODEL(master_connection_list), &iter);
-    }
-    void add_program(const std::string& path, const std::string& body)
-    {
-        write_file(path, "#!/bin/sh\n" + body + "\n");
-        chmod(path.c_str(), 0755);
-    }
+    GtkWidget* w(const char* name) { return named(window, name); }
+    void set_on(const char* name, bool on = true) { set_box(window, name, on); }
+    bool sensitive(const char* name) { return ::sensitive(window, name); }
+    void type(const char* name, const char* text) { type_text(window, name, text); }
 
-    temp_dir root;
-    scoped_root rooted{root.path()};
-    message_recorder messages;
     GtkWidget* window = nullptr;
 };
 
-TEST_F(ica_test, new_connection_saved_with_defaults)
-{
-    ASSERT_TRUE(open_editor_on(nullptr));
-    GtkWidget* pages = w("pages");
-    for (int i = 0; i < gtk_notebook_get_n_pages(GTK_NOTEBOOK(pages)); ++i) {
-        gtk_notebook_set_current_page(GTK_NOTEBOOK(pages), i);
-        save_screenshot(window, "ica-editor-" + std::to_string(i + 1));
-    }
-    type("name", "Desk");
-    click(window, "_Save");
-    EXPECT_FALSE(find_window("ICA connection"));
-    const connection_record r = master_row("0");
-    const std::string expected[] = {
-        "Desk", "ICA", "", "1494", "1", "", "Default", "Default", "", "", "", "", "", "Default",
-        "Default", "Med", "Disabled", "2598", "On", "Basic", "", "Default", "", "", "", "441",
-        "Off", "Auto", "", "", "", "", "", "0", "01065"};
-    for (int c = 0; c < 35; ++c)
-        EXPECT_EQ(r[c], expected[c]) << "column " << c;
-    EXPECT_TRUE(r.ping_first);
-    EXPECT_TRUE(messages.shown.empty());
-    // The wfclient.ini that opening the editor made: no client copy, so the nine lines.
-    EXPECT_EQ(read_file_text(wfclient_file).substr(0, 24), "[WFClient]\nVersion = 2\n\n");
-}
-
-TEST_F(ica_test, edited_row_comes_back_column_for_column)
-{
-    connection_record stored;
-    const char* columns[] = {
-        "Desk", "ICA", "", "1495", "7", "Mail", "srv1:1494", "TCP browser", "mail.exe", "C:\\work",
-        "ann", "", "CORP", "1024x768", "256", "Low", "Enabled", "2599", "Off", "RC5 (128 bit)", "",
-        "SOCKS", "proxy.lan", "1080", "relay.lan", "443", "On", "Off", "", "", "", "", "", "0",
-        // Published application, smartcard, disk cache, alternate address, exact colours,
-        // seamless: every bit away from its default.
-        "02710"};
-    for (int c = 0; c < 35; ++c)
-        stored[c] = columns[c];
-    stored[MC_PASSWORD] = pad_password("s3cret pass", "Desk");
-    stored.from_file = true;
-    insert_master_row(master_connection_list, -1, stored);
-    ASSERT_TRUE(open_editor_on("0"));
-    EXPECT_FALSE(sensitive("name"));
-    EXPECT_STREQ(gtk_label_get_text(GTK_LABEL(w("primary-server"))), "Primary Server: srv1:1494");
-    click(window, "_Save");
-    const connection_record saved = master_row("0");
-    for (int c = 0; c < MC_COUNT; ++c)
-        EXPECT_EQ(saved[c], stored[c]) << "column " << c;
-    EXPECT_EQ(saved.from_file, stored.from_file);
-    EXPECT_EQ(saved.ping_first, stored.ping_first);
-}
-
 TEST_F(ica_test, controls_follow_their_rules)
 {
-    ASSERT_TRUE(open_editor_on(nullptr));
-    EXPECT_FALSE(sensitive("seamless"));
-    EXPECT_FALSE(sensitive("proxy-address"));
-    EXPECT_FALSE(sensitive("reliability-port"));
-    EXPECT_FALSE(sensitive("mapping-Default"));
-
-    set_on("published-radio");
-    EXPECT_TRUE(gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(w("seamless"))));
-    EXPECT_TRUE(sensitive("seamless"));
-    EXPECT_FALSE(sensitive("program") || sensitive("workdir") || sensitive("window-size"));
-    EXPECT_EQ(connect_info.flags & (1 | 2 | 2048), 2u | 2048u);
-    set_on("seamless", false);  // the user may still turn it off
-    EXPECT_TRUE(sensitive("window-size"));
-    set_on("server-radio");
-    EXPECT_FALSE(sensitive("seamless"));
-    EXPECT_TRUE(sensitive("program") && sensitive("workdir"));
-    EXPECT_EQ(connect_info.flags & (1 | 2 | 2048), 1u);
-
-    set_on("colours-256");
-    EXPECT_TRUE(sensitive("mapping-Default"));
-    set_on("sound", false);
-    EXPECT_FALSE(sensitive("sound-quality") || sensitive("microphone"));
-    const unsigned long before = connect_info.flags;
-    set_on("reliability");  // no handler: no bit, the port stays disabled
-    EXPECT_EQ(connect_info.flags, before);
-    EXPECT_FALSE(sensitive("reliability-port"));
-
-    set_combo_text(w("proxy-type"), "SOCKS");
-    EXPECT_TRUE(sensitive("proxy-address") && sensitive("proxy-port"));
-    type("proxy-address", "proxy.lan");
-    type("proxy-port", "1080");
-    set_combo_text(w("proxy-type"), "None (direct)");
-    EXPECT_FALSE(sensitive("proxy-address") || sensitive("proxy-port"));
-    EXPECT_STREQ(gtk_entry_get_text(GTK_ENTRY(w("proxy-address"))), "");
-    EXPECT_STREQ(gtk_entry_get_text(GTK_ENTRY(w("proxy-port"))), "");
-
-    type("name", "Desk");
+    ASSERT_TRUE(open_ica());
+    // The wfclient.ini that opening the editor made: no client copy, so the nine lines.
+    EXPECT_EQ(read_file_text(wfclient_file).substr(0, 24), "[WFClient]\nVersion = 2\n\n");
+    screenshot_pages(window, "pages", "ica-editor-");
+    // Which of these can be used, and the option bits, after each step.
+    auto usable = [&] {
+        std::string on;
+        for (const char* name : {"seamless", "program", "workdir", "window-size", "mapping-Default", "sound-quality",
+                                 "microphone", "reliability-port", "proxy-address", "proxy-port"})
+            on += sensitive(name) ? "1" : "0";
+        return on;
+    };
+    const struct { const char* control; const char* value; const char* usable; const char* flags; } steps[] = {
+        {"name", "Desk", "0111011000", "01065"},
+        {"published-radio", "on", "1000011000", "03114"},  // seamless is turned on with it
+        {"seamless", "off", "1001011000", "01066"},        // and may still be turned off
+        {"server-radio", "on", "0111011000", "01065"},
+        {"colours-256", "on", "0111111000", "01065"},
+        {"sound", "off", "0111100000", "01033"},
+        {"reliability", "on", "0111100000", "01033"},  // no handler: no bit, the port stays off
+        {"proxy-type", "SOCKS", "0111100011", "01033"},
+        {"proxy-address", "proxy.lan", "0111100011", "01033"},
+        {"proxy-port", "1080", "0111100011", "01033"},
+        {"proxy-type", "None (direct)", "0111100000", "01033"},
+    };
+    for (const auto& step : steps) {
+        if (std::string(step.value) == "on" || std::string(step.value) == "off")
+            set_on(step.control, std::string(step.value) == "on");
+        else
+            type(step.control, step.value);
+        EXPECT_EQ(usable(), step.usable) << step.control << " " << step.value;
+        EXPECT_EQ(five_digits(connect_info.flags), step.flags) << step.control << " " << step.value;
+    }
+    EXPECT_EQ(text_of(window, "proxy-address") + text_of(window, "proxy-port"), "");
     click(window, "_Save");
     // Server, compression and the default colour map; no sound, and no 64.
-    EXPECT_EQ(master_row("0")[MC_ICA_MASK], "01033");
+    EXPECT_EQ(master_row("Desk", "ICA")[MC_ICA_MASK], "01033");
 }
 
 TEST_F(ica_test, refresh_lists_what_pnabrowse_writes)
@@ -194,16 +73,15 @@ TEST_F(ica_test, refresh_lists_what_pnabrowse_writes)
                 "printf '%s\\n' \"$@\" > " + root / "pnabrowse.args" + "\n"
                 "case \"$2\" in fail) exit 3;; quiet) exit 0;; esac\n"
                 "printf '\"%s\"\\n' Word 'Mail \"Pro\"' 'Excel 2003'");
-    ASSERT_TRUE(open_editor_on(nullptr));
-    GtkWidget* refresh = w("refresh");
-    gtk_button_clicked(GTK_BUTTON(refresh));  // no default server location in the file
-    EXPECT_EQ(messages.shown, std::vector<std::string>{"\nPlease specify a default server location.\n"});
+    ASSERT_TRUE(open_ica());
+    click(window, "refresh");  // no default server location in the file
+    EXPECT_EQ(messages->shown, std::vector<std::string>{"\nPlease specify a default server location.\n"});
 
     std::string& group = connect_info.text[MC_ICA_LOCATION];
     GtkTreeModel* choices = gtk_combo_box_get_model(GTK_COMBO_BOX(w("server")));
     group = "it's; touch " + root / "injected";
     set_on("published-radio");
-    gtk_button_clicked(GTK_BUTTON(refresh));
+    click(window, "refresh");
     EXPECT_EQ(read_file_text(root / "pnabrowse.args"), "-A\n" + group + "\n");
     EXPECT_FALSE(path_exists(root / "injected"));
     ASSERT_EQ(gtk_tree_model_iter_n_children(choices, nullptr), 3);
@@ -213,43 +91,37 @@ TEST_F(ica_test, refresh_lists_what_pnabrowse_writes)
     for (const char* address : {"fail", "quiet"}) {
         group = address;
         set_on("server-radio");
-        gtk_button_clicked(GTK_BUTTON(refresh));
+        click(window, "refresh");
         EXPECT_EQ(read_file_text(root / "pnabrowse.args"), std::string("-S\n") + address + "\n");
     }
     // A failing run changes nothing; one that writes nothing leaves no choices.
     EXPECT_EQ(gtk_tree_model_iter_n_children(choices, nullptr), 0);
-    EXPECT_EQ(messages.shown.size(), 1u);
+    EXPECT_EQ(messages->shown.size(), 1u);
 }
 
 TEST_F(ica_test, server_location_custom_and_default_groups)
 {
-    ASSERT_TRUE(open_editor_on(nullptr));
+    load(master(record("Desk", "ICA", false, "1494", {{6, "srv1:1494"}, {7, "Default"}, {34, "01065"}})));
+    ASSERT_TRUE(open_ica("Desk"));
+    EXPECT_STREQ(gtk_label_get_text(GTK_LABEL(w("primary-server"))), "Primary Server: srv1:1494");
     auto add = [&](const char* address, const char* port) {
         click(find_window("Server Location"), "_Add");
         GtkWidget* adder = find_window("Add Server Address");
-        gtk_entry_set_text(GTK_ENTRY(w("server-address", adder)), address);
-        gtk_entry_set_text(GTK_ENTRY(w("server-port", adder)), port);
+        type_text(adder, "server-address", address);
+        type_text(adder, "server-port", port);
         click(adder, "_Ok");
-    };
-    auto rows = [&](GtkWidget* dialog) {
-        GtkTreeModel* model = gtk_tree_view_get_model(GTK_TREE_VIEW(w("server-addresses", dialog)));
-        std::vector<std::string> texts;
-        GtkTreeIter iter;
-        for (bool more = gtk_tree_model_get_iter_first(model, &iter); more; more = gtk_tree_model_iter_next(model, &iter))
-            texts.push_back(model_text(model, &iter, 0));
-        return texts;
     };
 
     click(window, "Server Location");
     GtkWidget* dialog = find_window("Server Location");
     ASSERT_TRUE(dialog);
     EXPECT_FALSE(gtk_widget_get_visible(window));
-    set_combo_text(w("server-group", dialog), "Custom");
+    type_text(dialog, "server-group", "Custom");
     add("srv1", "1494");
-    EXPECT_EQ(rows(dialog), std::vector<std::string>{"srv1:1494"});
+    EXPECT_EQ(choices(dialog, "server-addresses"), "srv1:1494\n");
     add("srv2", "");
     add("", "99");  // no address: nothing added
-    EXPECT_EQ(rows(dialog), std::vector<std::string>{"srv2"});
+    EXPECT_EQ(choices(dialog, "server-addresses"), "srv2\n");
     save_screenshot(dialog, "ica-server-location");
     click(dialog, "_Save");
     EXPECT_TRUE(gtk_widget_get_visible(window));
@@ -259,10 +131,10 @@ TEST_F(ica_test, server_location_custom_and_default_groups)
 
     click(window, "Server Location");
     dialog = find_window("Server Location");
-    set_combo_text(w("server-group", dialog), "Default");
+    type_text(dialog, "server-group", "Default");
     add("h1", "");
     add("h2", "8080");
-    set_combo_text(w("server-protocol", dialog), "TCP browser");
+    type_text(dialog, "server-protocol", "TCP browser");
     add("t1", "");
     click(dialog, "_Save");
     EXPECT_EQ(connect_info.text[MC_ICA_LOCATION], "Default");
@@ -273,7 +145,7 @@ TEST_F(ica_test, server_location_custom_and_default_groups)
               "KeyboardLayout = (User Profile)\nKeyboardMappingFile = automatic.kbd\n"
               "KeyboardDescription = Automatic (User Profile)\nKeyboardType=(Default)\n"
               "AllowAudioInput=True\nBrowserTimeout=2000\n");
-    EXPECT_TRUE(messages.shown.empty());
+    EXPECT_TRUE(messages->shown.empty());
 }
 
 TEST_F(ica_test, global_settings_pages_and_save)
@@ -282,17 +154,12 @@ TEST_F(ica_test, global_settings_pages_and_save)
                               "ComPort2=/dev/ttyS1\nComPort3=/dev/ttyUSB0\nLastComPortNum=3\n"
                               "AllowAudioInput=True\n");
     ica_global_dialog(nullptr, nullptr);
-    GtkWidget* settings = find_window("Settings");
+    GtkWidget* settings = window = find_window("Settings");
     ASSERT_TRUE(settings);
-    window = settings;
-    GtkWidget* pages = w("pages");
-    for (int i = 0; i < gtk_notebook_get_n_pages(GTK_NOTEBOOK(pages)); ++i) {
-        gtk_notebook_set_current_page(GTK_NOTEBOOK(pages), i);
-        save_screenshot(settings, "ica-global-" + std::to_string(i + 1));
-    }
+    screenshot_pages(settings, "pages", "ica-global-");
     EXPECT_EQ(combo_text(w("keyboard-layout")), "(User Profile)");
-    set_combo_text(w("hotkey-key-1"), "+");
-    set_combo_text(w("hotkey-shift-15"), "(none)");
+    type("hotkey-key-1", "+");
+    type("hotkey-shift-15", "(none)");
 
     GtkTreeView* drives = GTK_TREE_VIEW(w("drives"));
     GtkTreeModel* drive_model = gtk_tree_view_get_model(drives);
@@ -305,20 +172,14 @@ TEST_F(ica_test, global_settings_pages_and_save)
         g_list_free(cells);
     }
 
-    GtkTreeView* ports = GTK_TREE_VIEW(w("com-ports"));
-    GtkTreeSelection* selection = gtk_tree_view_get_selection(ports);
-    GtkTreePath* second = gtk_tree_path_new_from_string("1");
-    gtk_tree_selection_select_path(selection, second);
-    gtk_tree_path_free(second);
-    gtk_button_clicked(GTK_BUTTON(w("com-delete")));
-    GtkTreePath* first = gtk_tree_path_new_from_string("0");
-    gtk_tree_selection_select_path(selection, first);
-    gtk_tree_path_free(first);
-    gtk_button_clicked(GTK_BUTTON(w("com-down")));
+    select_row(settings, "com-ports", "1");
+    click(settings, "com-delete");
+    select_row(settings, "com-ports", "0");
+    click(settings, "com-down");
     GtkTreePath* moved = gtk_tree_path_new_from_string("1");
-    EXPECT_TRUE(gtk_tree_selection_path_is_selected(selection, moved));
+    EXPECT_TRUE(gtk_tree_selection_path_is_selected(gtk_tree_view_get_selection(GTK_TREE_VIEW(w("com-ports"))), moved));
     gtk_tree_path_free(moved);
-    gtk_button_clicked(GTK_BUTTON(w("com-down")));  // the last row: nothing to swap with
+    click(settings, "com-down");  // the last row: nothing to swap with
 
     click(settings, "_Save");
     EXPECT_FALSE(find_window("Settings"));
@@ -330,15 +191,15 @@ TEST_F(ica_test, global_settings_pages_and_save)
                               "BrowserProtocol=HTTPonTCP\nSSLEnable=Off\n"})
         EXPECT_NE(text.find(lines), std::string::npos) << lines << "\n---\n" << text;
     EXPECT_EQ(text.find("ComPort2"), std::string::npos);
-    EXPECT_TRUE(messages.shown.empty());
+    EXPECT_TRUE(messages->shown.empty());
 }
 
 TEST_F(ica_test, missing_client_file_that_cannot_be_made)
 {
     ica_dir = root / "no-such-dir";
     wfclient_file = ica_dir + "/wfclient.ini";
-    EXPECT_FALSE(open_editor_on(nullptr));
-    EXPECT_EQ(messages.shown, (std::vector<std::string>{
+    EXPECT_FALSE(open_ica());
+    EXPECT_EQ(messages->shown, (std::vector<std::string>{
                                   "\nCitrix wfclient.ini file not found and can't be created.\n",
                                   "\nCouldn't create Citrix wfclient.ini file.\n"}));
 }
@@ -351,11 +212,11 @@ TEST_F(ica_test, any_password_is_saved)
     for (const std::string& password : passwords) {
         EXPECT_EXIT(
             {
-                open_editor_on(nullptr);
+                open_ica();
                 type("name", "Desk");
                 type("password", password.c_str());
                 click(window, "_Save");
-                std::exit(master_row("0")[MC_NAME] == "Desk" ? 0 : 1);
+                std::exit(master_row("Desk", "ICA")[MC_NAME] == "Desk" ? 0 : 1);
             },
             ::testing::ExitedWithCode(0), "")
             << "password of " << password.size() << " characters";
@@ -366,32 +227,13 @@ TEST_F(ica_test, any_password_is_saved)
 // connection's name, and appsrv.ini holds its section.
 TEST_F(ica_test, saved_connection_starts_wfica_on_its_section)
 {
-    symlink(RECORD_ARGV, (root / "bin/wfica").c_str());
-    const std::string old_path = std::getenv("PATH");
-    setenv("PATH", (root / "bin:" + old_path).c_str(), 1);
-    setenv("KEST_FAKE_LOG", (root / "argv.log").c_str(), 1);
-    log_open();
-
-    ASSERT_TRUE(open_editor_on(nullptr));
+    ASSERT_TRUE(open_ica());
     type("name", "Apps");
     set_on("published-radio");
-    gtk_entry_set_text(GTK_ENTRY(gtk_bin_get_child(GTK_BIN(w("server")))), "Notepad");
+    type("server", "Notepad");
     type("username", "ann");
     click(window, "_Save");
-
-    GtkTreeIter row;
-    gtk_tree_model_get_iter_first(GTK_TREE_MODEL(current_user_connection_tree), &row);
-    ASSERT_EQ(model_text(GTK_TREE_MODEL(current_user_connection_tree), &row, TC_NAME), "Apps");
-    spawn_connection(GTK_TREE_MODEL(current_user_connection_tree), &row);
-    EXPECT_TRUE(wait_for([&] { return !read_file_text(root / "argv.log").empty(); }));
-    const pid_t child = session_process_id(std::stoi(model_text(GTK_TREE_MODEL(current_user_connection_tree), &row, TC_PID)));
-    if (child > 0)
-        waitpid(child, nullptr, 0);
-    log_close();
-    setenv("PATH", old_path.c_str(), 1);
-    unsetenv("KEST_FAKE_LOG");
-
-    EXPECT_EQ(read_file_text(root / "argv.log"),
+    EXPECT_EQ(launch("Apps", "ICA"),
               "wfica|wfica|-file|" + root / "etc/.kestrel/appsrv.ini" + "|-clientfile|" +
                   root / "etc/.kestrel/wfclient.ini" + "|-desc|Apps\n");
     EXPECT_EQ(read_file_text(root / "etc/.kestrel/appsrv.ini"),
