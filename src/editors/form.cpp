@@ -60,7 +60,7 @@ gboolean find_named_cb(GtkWidget* widget, const char* name, GtkWidget** found)
 
 }  // namespace
 
-GtkWidget* named(GtkWidget* widget, const char* name)
+GtkWidget* name_widget(GtkWidget* widget, const char* name)
 {
     gtk_widget_set_name(widget, name);
     return widget;
@@ -74,13 +74,13 @@ GtkWidget* form_table()
 
 GtkWidget* form_entry(GtkWidget* table, int row, const char* label, const char* name, int max)
 {
-    return labelled_row(table, row, label, named(limited_entry(max), name));
+    return labelled_row(table, row, label, name_widget(limited_entry(max), name));
 }
 
 GtkWidget* form_fixed_combo(GtkWidget* table, int row, const char* label, const char* name,
                             const std::vector<std::string>& choices, const std::string& initial)
 {
-    return labelled_row(table, row, label, named(fixed_choice_combo(choices, initial), name));
+    return labelled_row(table, row, label, name_widget(fixed_choice_combo(choices, initial), name));
 }
 
 GtkWidget* form_editable_combo(GtkWidget* table, int row, const char* label, const char* name,
@@ -91,14 +91,14 @@ GtkWidget* form_editable_combo(GtkWidget* table, int row, const char* label, con
         gtk_combo_box_text_append_text(GTK_COMBO_BOX_TEXT(combo), choice.c_str());
     if (!choices.empty())
         gtk_combo_box_set_active(GTK_COMBO_BOX(combo), 0);
-    return labelled_row(table, row, label, named(combo, name));
+    return labelled_row(table, row, label, name_widget(combo, name));
 }
 
 GtkWidget* form_check_entry(GtkWidget* table, int row, const char* label, const char* name,
                             GtkWidget** entry, const char* entry_name, const char* initial)
 {
-    GtkWidget* box = named(gtk_check_button_new_with_mnemonic(label), name);
-    *entry = named(limited_entry(entry_limit), entry_name);
+    GtkWidget* box = name_widget(gtk_check_button_new_with_mnemonic(label), name);
+    *entry = name_widget(limited_entry(entry_limit), entry_name);
     gtk_entry_set_text(GTK_ENTRY(*entry), initial);
     gtk_widget_set_sensitive(*entry, FALSE);
     g_signal_connect(box, "toggled", G_CALLBACK(toggle_editable_cb), *entry);
@@ -110,7 +110,7 @@ GtkWidget* form_check_entry(GtkWidget* table, int row, const char* label, const 
 
 GtkWidget* form_check(GtkWidget* table, int row, const char* label, const char* name)
 {
-    GtkWidget* box = named(gtk_check_button_new_with_mnemonic(label), name);
+    GtkWidget* box = name_widget(gtk_check_button_new_with_mnemonic(label), name);
     gtk_table_attach(GTK_TABLE(table), box, 0, 2, row, row + 1, GTK_FILL, GTK_FILL, cell_padding,
                      cell_padding);
     return box;

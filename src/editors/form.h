@@ -11,7 +11,7 @@
 inline constexpr int entry_limit = 100;
 
 // Gives widget a name (for tests and assistive technology) and returns it.
-GtkWidget* named(GtkWidget* widget, const char* name);
+GtkWidget* name_widget(GtkWidget* widget, const char* name);
 
 // A table of form rows.
 GtkWidget* form_table();

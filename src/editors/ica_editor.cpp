@@ -109,7 +109,7 @@ void pack(GtkWidget* box, GtkWidget* child, bool grow = false)
 
 GtkWidget* limited_entry(const char* name, const char* text = "")
 {
-    GtkWidget* entry = named(gtk_entry_new(), name);
+    GtkWidget* entry = name_widget(gtk_entry_new(), name);
     gtk_entry_set_max_length(GTK_ENTRY(entry), entry_limit);
     gtk_entry_set_text(GTK_ENTRY(entry), text);
     return entry;
@@ -205,8 +205,8 @@ void server_page(GtkWidget* notebook, ica_editor* b)
     GtkWidget* box = page(notebook, "Server");
     pack(box, wrapped_note("Select a server from the list or enter a server name."));
     GtkWidget* radios = gtk_hbox_new(FALSE, spacing);
-    e->widgets[ICA_SERVER_RADIO] = named(gtk_radio_button_new_with_label(nullptr, "Server"), "server-radio");
-    e->widgets[ICA_PUBLISHED_RADIO] = named(
+    e->widgets[ICA_SERVER_RADIO] = name_widget(gtk_radio_button_new_with_label(nullptr, "Server"), "server-radio");
+    e->widgets[ICA_PUBLISHED_RADIO] = name_widget(
         gtk_radio_button_new_with_label_from_widget(GTK_RADIO_BUTTON(e->widgets[ICA_SERVER_RADIO]),
                                                     "Published Application"),
         "published-radio");
@@ -214,17 +214,17 @@ void server_page(GtkWidget* notebook, ica_editor* b)
     pack(radios, e->widgets[ICA_PUBLISHED_RADIO]);
     pack(box, radios);
     GtkWidget* row = gtk_hbox_new(FALSE, spacing);
-    e->widgets[ICA_SERVER] = named(gtk_combo_box_text_new_with_entry(), "server");
+    e->widgets[ICA_SERVER] = name_widget(gtk_combo_box_text_new_with_entry(), "server");
     gtk_entry_set_max_length(GTK_ENTRY(gtk_bin_get_child(GTK_BIN(e->widgets[ICA_SERVER]))), entry_limit);
-    GtkWidget* refresh = named(gtk_button_new_from_stock("gtk-refresh"), "refresh");
+    GtkWidget* refresh = name_widget(gtk_button_new_from_stock("gtk-refresh"), "refresh");
     g_signal_connect(refresh, "clicked", G_CALLBACK(ica_get_published_list), b);
     gtk_box_pack_start(GTK_BOX(row), e->widgets[ICA_SERVER], TRUE, TRUE, 0);
     pack(row, refresh);
     pack(box, row);
-    e->widgets[ICA_PRIMARY_SERVER] = named(wrapped_note(""), "primary-server");
+    e->widgets[ICA_PRIMARY_SERVER] = name_widget(wrapped_note(""), "primary-server");
     pack(box, e->widgets[ICA_PRIMARY_SERVER]);
     pack(box, wrapped_note("You can change your server location settings by clicking Server Location."));
-    GtkWidget* location = named(gtk_button_new_with_label("Server Location"), "server-location");
+    GtkWidget* location = name_widget(gtk_button_new_with_label("Server Location"), "server-location");
     GtkWidget* left = gtk_hbox_new(FALSE, 0);
     pack(left, location);
     pack(box, left);
@@ -279,8 +279,8 @@ void window_page(GtkWidget* notebook, editor* e)
     GtkWidget* box = page(notebook, "Window");
     pack(box, wrapped_note("These settings specify how the application window will appear on your desktop."));
     GtkWidget* size = gtk_vbox_new(FALSE, spacing);
-    e->widgets[ICA_SEAMLESS] = named(gtk_check_button_new_with_label("Seamless Window"), "seamless");
-    e->widgets[ICA_WINDOW_SIZE] = named(fixed_choice_combo(texts(ica_window_sizes), ica_default), "window-size");
+    e->widgets[ICA_SEAMLESS] = name_widget(gtk_check_button_new_with_label("Seamless Window"), "seamless");
+    e->widgets[ICA_WINDOW_SIZE] = name_widget(fixed_choice_combo(texts(ica_window_sizes), ica_default), "window-size");
     pack(size, e->widgets[ICA_SEAMLESS]);
     pack(size, e->widgets[ICA_WINDOW_SIZE]);
     pack(box, framed("Window Size", size));
@@ -334,7 +334,7 @@ void firewall_page(GtkWidget* notebook, editor* e)
 {
     GtkWidget* box = page(notebook, "Firewall Settings");
     GtkWidget* proxy = gtk_vbox_new(FALSE, spacing);
-    e->widgets[ICA_PROXY_TYPE] = named(fixed_choice_combo(texts(ica_proxy_types), ica_default), "proxy-type");
+    e->widgets[ICA_PROXY_TYPE] = name_widget(fixed_choice_combo(texts(ica_proxy_types), ica_default), "proxy-type");
     pack(proxy, e->widgets[ICA_PROXY_TYPE]);
     pack(proxy, wrapped_note("NOTE: When using the Secure (HTTPS) setting, enable SSL or 128-bit encryption to "
                      "assure a secure connection."));
@@ -342,7 +342,7 @@ void firewall_page(GtkWidget* notebook, editor* e)
     e->widgets[ICA_PROXY_PORT] = limited_entry("proxy-port");
     pack(proxy, address_port("Proxy address", e->widgets[ICA_PROXY_ADDRESS], e->widgets[ICA_PROXY_PORT]));
     pack(box, framed("Proxy", proxy));
-    e->widgets[ICA_ALTERNATE] = named(gtk_check_button_new_with_label("Use alternate address through firewall"),
+    e->widgets[ICA_ALTERNATE] = name_widget(gtk_check_button_new_with_label("Use alternate address through firewall"),
                                       "alternate-address");
     pack(box, e->widgets[ICA_ALTERNATE]);
     e->widgets[ICA_RELAY_ADDRESS] = limited_entry("relay-address");
@@ -400,7 +400,7 @@ void ica_dialog(GtkTreePath* path)
     g_object_set_data_full(G_OBJECT(e->window), "kestrelle-ica-editor", b,
                            [](gpointer data) { delete static_cast<ica_editor*>(data); });
 
-    GtkWidget* notebook = named(gtk_notebook_new(), "pages");
+    GtkWidget* notebook = name_widget(gtk_notebook_new(), "pages");
     server_page(notebook, b);
     applications_page(notebook, e);
     logon_page(notebook, e);
