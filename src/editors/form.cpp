@@ -36,28 +36,6 @@ GtkWidget* limited_entry(int max)
     return entry;
 }
 
-gboolean find_named_cb(GtkWidget* widget, const char* name, GtkWidget** found);
-
-void search_children(GtkWidget* widget, gpointer data)
-{
-    auto* search = static_cast<std::pair<const char*, GtkWidget**>*>(data);
-    if (!*search->second)
-        find_named_cb(widget, search->first, search->second);
-}
-
-gboolean find_named_cb(GtkWidget* widget, const char* name, GtkWidget** found)
-{
-    if (g_strcmp0(gtk_widget_get_name(widget), name) == 0) {
-        *found = widget;
-        return TRUE;
-    }
-    if (GTK_IS_CONTAINER(widget)) {
-        std::pair<const char*, GtkWidget**> search{name, found};
-        gtk_container_forall(GTK_CONTAINER(widget), search_children, &search);
-    }
-    return *found != nullptr;
-}
-
 }  // namespace
 
 GtkWidget* name_widget(GtkWidget* widget, const char* name)
@@ -122,13 +100,6 @@ GtkWidget* framed(const char* title, GtkWidget* child)
     gtk_container_set_border_width(GTK_CONTAINER(child), cell_padding);
     gtk_container_add(GTK_CONTAINER(frame), child);
     return frame;
-}
-
-GtkWidget* find_named_widget(GtkWidget* top, const char* name)
-{
-    GtkWidget* found = nullptr;
-    find_named_cb(top, name, &found);
-    return found;
 }
 
 void toggle_editable_cb(GtkToggleButton* box, GtkWidget* other)

@@ -33,8 +33,6 @@ GtkWidget* form_check(GtkWidget* table, int row, const char* label, const char* 
 // A framed box holding child, titled title.
 GtkWidget* framed(const char* title, GtkWidget* child);
 
-// Finds a named widget inside a window (nullptr when there is none).
-GtkWidget* find_named_widget(GtkWidget* top, const char* name);
 
 // "toggled" handlers given (check box, other widget).
 void toggle_editable_cb(GtkToggleButton* box, GtkWidget* other);      // on: other sensitive

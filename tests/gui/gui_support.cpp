@@ -90,6 +90,11 @@ GtkWidget* find_widget(GtkWidget* container, GType type)
     return find_below(container, [&](GtkWidget* w) { return G_TYPE_CHECK_INSTANCE_TYPE(w, type); });
 }
 
+GtkWidget* find_named_widget(GtkWidget* container, const char* name)
+{
+    return find_below(container, [&](GtkWidget* w) { return g_strcmp0(gtk_widget_get_name(w), name) == 0; });
+}
+
 GtkWidget* find_window(const std::string& title)
 {
     return find_toplevel([&](GtkWidget* w) {

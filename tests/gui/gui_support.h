@@ -15,6 +15,8 @@ bool wait_for(const std::function<bool()>& condition, int timeout_ms = 5000);
 std::vector<std::string> button_labels(GtkWidget* container);
 GtkWidget* find_button(GtkWidget* container, const std::string& label);
 GtkWidget* find_widget(GtkWidget* container, GType type);
+// The widget named name (gtk_widget_set_name) at or below container.
+GtkWidget* find_named_widget(GtkWidget* container, const char* name);
 std::string label_text(GtkWidget* container);
 // A visible top-level window with this title, or null.
 GtkWidget* find_window(const std::string& title);
