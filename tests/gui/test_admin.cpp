@@ -228,6 +228,31 @@ TEST_F(advanced_test, running_sessions_are_asked_about_first)
     EXPECT_NE(open_advanced(), nullptr);
 }
 
+// From a view of a user's tree: the question names the connection, and only Yes deletes
+// it, from the master list and from both trees read again.
+TEST_F(advanced_test, wizard_delete_asks_before_deleting_from_all_users)
+{
+    GtkWidget* view = gtk_tree_view_new_with_model(GTK_TREE_MODEL(selected_user_connection_tree));
+    g_object_ref_sink(view);
+    GtkTreeSelection* selection = gtk_tree_view_get_selection(GTK_TREE_VIEW(view));
+    for (int answer : {GTK_RESPONSE_NO, GTK_RESPONSE_YES}) {
+        GtkTreePath* desk_row = gtk_tree_path_new_first();
+        gtk_tree_selection_select_path(selection, desk_row);
+        gtk_tree_path_free(desk_row);
+        std::string question;
+        answer_next_dialog(&question, answer);
+        wizard_delete_connection(nullptr, selection);
+        EXPECT_EQ(question, "Deleting a connection here also deletes it from all other users.\n\nTo only remove "
+                            "it from a single user, click on the Advanced button and remove it from the "
+                            "appropriate user(s).\n\nDelete Desk from all users?");
+        EXPECT_EQ(master_file().find("Desk\n") != std::string::npos, answer == GTK_RESPONSE_NO);
+    }
+    EXPECT_EQ(master_file(), master(intranet + tools));
+    EXPECT_EQ(user_tree(), "Tools\n");  // Desk's secondary is a primary now
+    EXPECT_EQ(dump_model(GTK_TREE_MODEL(current_user_connection_tree), {TC_NAME}), "Tools\n");
+    g_object_unref(view);
+}
+
 TEST_F(advanced_test, show_user_interface_is_saved_in_the_master_list)
 {
     GtkWidget* advanced = open_advanced();
