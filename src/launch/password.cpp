@@ -75,6 +75,11 @@ std::string pad_password(const std::string& clear, const std::string& connection
     encrypt_password(scrambled.data(), connection_name.c_str());
     const char* s = scrambled.data();
     const size_t length = std::strlen(s);
+    // A first character that scrambles to NUL (a control character, never one that can
+    // be typed) leaves nothing to pad or to measure the filler by: it is stored like an
+    // empty password rather than divide by a length of zero.
+    if (length == 0)
+        return "";
     std::string stored(s);
     if (length >= padded_length)
         return stored;

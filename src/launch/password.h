@@ -17,7 +17,8 @@ void fill_seedchars();
 char* encrypt_password(char* text, const char* key);
 
 // The stored form of a typed password: "" for "", else scrambled and, below 32
-// characters, padded to 33 characters with a length character at the end.
+// characters, padded to 33 characters with a length character at the end. A password
+// whose first character scrambles to NUL is stored as "" too.
 std::string pad_password(const std::string& clear, const std::string& connection_name);
 // The clear password from its stored form: cut where the first and last characters
 // point, then unscrambled.
