@@ -3,9 +3,11 @@
 #include "platform/file.h"
 #include "platform/line_reader.h"
 #include "platform/paths.h"
+#include "shell/help_text.h"
 #include "shell/widgets.h"
 
 #include <cstdio>
+#include <string>
 
 namespace {
 
@@ -29,9 +31,19 @@ GtkWidget* help_text_view(FILE* file)
     GtkTextBuffer* buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(view));
     GtkTextIter end;
     line_reader reader(file, long_line::pieces, help_piece_size);
-    while (reader.read()) {
-        gtk_text_buffer_get_end_iter(buffer, &end);
-        gtk_text_buffer_insert(buffer, &end, reader.c_str(), -1);
+    // The pieces of a line are joined before its encoding is checked: a piece boundary
+    // may fall inside a character.
+    std::string line;
+    bool more = true;
+    while (more) {
+        more = reader.read();
+        if (more)
+            line += reader.c_str();
+        if (!line.empty() && (!more || line.back() == '\n')) {
+            gtk_text_buffer_get_end_iter(buffer, &end);
+            gtk_text_buffer_insert(buffer, &end, displayable_help_line(line).c_str(), -1);
+            line.clear();
+        }
     }
     return vertical_scroller(view);
 }

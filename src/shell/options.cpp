@@ -13,6 +13,8 @@
 #include <cstdio>
 #include <cstring>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <unistd.h>
 
 namespace {
 
@@ -77,6 +79,7 @@ void apply_options_line(const std::string& lower)
 struct keys_seen {
     bool taskbar = false;
     bool kiosk = false;
+    bool line_ended = true;  // the copy so far ends with a line end (or is empty)
 };
 
 // A key line keeps as many of its first characters as the key has (the key as
@@ -95,16 +98,22 @@ void copy_options_line(const std::string& piece, FILE* out, keys_seen& seen)
     if (contains(lower, taskbar_assignment)) {
         seen.taskbar = true;
         write_key_line(piece, taskbar_assignment, show_taskbar, out);
+        seen.line_ended = true;
     } else if (contains(lower, kiosk_assignment)) {
         seen.kiosk = true;
         write_key_line(piece, kiosk_assignment, kiosk_mode, out);
-    } else {
+        seen.line_ended = true;
+    } else if (!piece.empty()) {
         std::fputs(piece.c_str(), out);
+        seen.line_ended = piece.back() == '\n';
     }
 }
 
+// An appended key starts a line of its own, even after a last line without a line end.
 void append_missing_keys(const keys_seen& seen, FILE* out)
 {
+    if (!seen.line_ended && (!seen.taskbar || !seen.kiosk))
+        std::fputc('\n', out);
     if (!seen.taskbar)
         std::fprintf(out, "%s%s\n", written_taskbar_key, true_false(show_taskbar));
     if (!seen.kiosk)
@@ -119,15 +128,41 @@ bool close_cleanly(unique_file out)
     return !failed;
 }
 
+// Moving the copy onto another file system writes it anew there; a move that runs out
+// of space half-way would leave the options file cut short. So the move is made only
+// when the target's file system has room for the whole copy, counting the space the
+// old file gives back as it is replaced.
+bool target_has_room(const std::string& temp_path, const std::string& target)
+{
+    struct stat temp;
+    struct stat target_dir;
+    const std::string dir = target.substr(0, target.rfind('/') + 1);
+    if (stat(temp_path.c_str(), &temp) != 0 || stat(dir.c_str(), &target_dir) != 0)
+        return false;
+    if (temp.st_dev == target_dir.st_dev)
+        return true;  // a rename needs no space
+    struct statvfs fs;
+    if (statvfs(dir.c_str(), &fs) != 0 || fs.f_frsize == 0)
+        return false;
+    const bool privileged = geteuid() == 0;  // may use the blocks kept for root
+    unsigned long long room = (privileged ? fs.f_bfree : fs.f_bavail) * fs.f_frsize;
+    struct stat old;
+    if (lstat(target.c_str(), &old) == 0 && S_ISREG(old.st_mode) && old.st_nlink == 1)
+        room += static_cast<unsigned long long>(old.st_blocks) * 512;
+    const unsigned long long blocks = (static_cast<unsigned long long>(temp.st_size) + fs.f_frsize - 1) / fs.f_frsize;
+    const bool inode_free = fs.f_files == 0 || (privileged ? fs.f_ffree : fs.f_favail) > 0;
+    return room >= blocks * fs.f_frsize && inode_free;
+}
+
 void replace_options_file(const std::string& temp_path)
 {
     if (!is_regular_file(temp_path)) {
         show_error(temp_gone_message);
         return;
     }
-    const std::string command =
-        "mv -f " + temp_path + " " + root_path(options_file) + " > /dev/null";
-    if (run_shell_command(command) != 0)
+    const std::string target = root_path(options_file);
+    const std::string command = "mv -f " + temp_path + " " + target + " > /dev/null";
+    if (!target_has_room(temp_path, target) || run_shell_command(command) != 0)
         show_error(move_error_message);
 }
 
