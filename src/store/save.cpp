@@ -10,10 +10,13 @@
 #include "store/models.h"
 
 #include <cstdio>
+#include <stdio_ext.h>
 #include <string>
 #include <unistd.h>
 
 namespace {
+
+constexpr int master_header_lines = 4;
 
 struct save_paths {
     std::string master = root_path(master_file_path);
@@ -33,10 +36,28 @@ void restore_backup(const save_paths& paths, std::string message)
     show_error(message);
 }
 
+// True when the file holds at least the master list's four header lines.
+bool holds_a_header(const std::string& path)
+{
+    unique_file file = open_file(path, "re");
+    if (!file)
+        return false;
+    int line_ends = 0;
+    for (int c; line_ends < master_header_lines && (c = std::fgetc(file.get())) != EOF;)
+        line_ends += c == '\n';
+    return line_ends == master_header_lines;
+}
+
 bool back_up_master(const save_paths& paths)
 {
     if (!path_exists(paths.master))
         return true;
+    // A master file cut short by an earlier failure must not replace a backup that still
+    // holds a list: the backup is then kept as it is and the save goes on.
+    if (!holds_a_header(paths.master) && holds_a_header(paths.backup)) {
+        unlink(paths.master.c_str());
+        return true;
+    }
     if (run_shell_command("cp " + paths.master + " " + paths.backup + " > /dev/null") != 0) {
         show_error("\nError backing up master connection list.\n\nChanges have not been saved.\n");
         return false;
@@ -70,10 +91,14 @@ void save_master_connections()
     gtk_tree_model_foreach(list, file_master_connection, &files);
 
     std::fflush(master.get());
-    if (std::ferror(master.get()))
-        // The backup goes back while the stream is still open; closing it afterwards
-        // writes nothing more into the restored file.
+    if (std::ferror(master.get())) {
+        // The backup goes back while the stream is still open. The unwritten rest is
+        // dropped and the new file emptied first: unlinked but open, it would otherwise
+        // keep the space the backup needs on a full file system.
+        __fpurge(master.get());
+        (void)!ftruncate(fileno(master.get()), 0);
         restore_backup(paths, "\nError writing master connection list.\n");
+    }
     master.reset();
 
     std::fflush(appsrv.get());

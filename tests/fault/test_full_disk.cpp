@@ -1,0 +1,232 @@
+// Saves on file systems that fill up half-way. /etc/.kestrel and /tmp/.kestrel (or /etc
+// and /tmp for the options file) are small tmpfs mounts of many sizes, in a private
+// mount namespace of a child process; the child reports each outcome on a pipe.
+#include "ica/paths.h"
+#include "shell/globals.h"
+#include "store/models.h"
+#include "shell/options.h"
+#include "store/record.h"
+#include "store/save.h"
+#include "support/test_support.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <functional>
+#include <map>
+#include <sched.h>
+#include <sstream>
+#include <string>
+#include <sys/mount.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+const std::string restored =
+    "\nError writing master connection list.\n\nBackup file has been restored.\n";
+const std::string not_backed_up =
+    "\nError backing up master connection list.\n\nChanges have not been saved.\n";
+const std::string appsrv_not_written =
+    "\nError writing appsrv.ini.\n\nYou may be able to free some disk space and try again.\n";
+const std::string options_not_saved =
+    "\nError saving Zarvo options configuration file, changes not saved.\n";
+
+std::string joined(const std::vector<std::string>& texts)
+{
+    std::string all;
+    for (const std::string& text : texts)
+        all += text;
+    return all;
+}
+
+bool mount_tmpfs(const std::string& dir, int kib)
+{
+    make_dirs(dir);
+    const std::string options = "size=" + std::to_string(kib) + "k";
+    return mount("tmpfs", dir.c_str(), "tmpfs", 0, options.c_str()) == 0;
+}
+
+// Runs body in a child with a private mount namespace; the child's lines come back.
+// Returns false (with the reason) when the namespace or a mount is not allowed.
+bool in_private_mounts(const std::function<void(std::ostream&)>& body, std::string* report)
+{
+    if (geteuid() != 0) {
+        *report = "mounting small file systems needs root";
+        return false;
+    }
+    int out[2];
+    if (pipe(out) != 0)
+        return false;
+    const pid_t child = fork();
+    if (child == 0) {
+        close(out[0]);
+        std::ostringstream lines;
+        if (unshare(CLONE_NEWNS) != 0 || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
+            _exit(2);
+        body(lines);
+        const std::string text = lines.str();
+        (void)!write(out[1], text.data(), text.size());
+        _exit(0);
+    }
+    close(out[1]);
+    char buffer[4096];
+    for (ssize_t n; (n = read(out[0], buffer, sizeof buffer)) > 0;)
+        report->append(buffer, static_cast<size_t>(n));
+    close(out[0]);
+    int status = 0;
+    waitpid(child, &status, 0);
+    if (WIFEXITED(status) && WEXITSTATUS(status) == 2) {
+        *report = "no private mount namespace (unshare -m) here";
+        return false;
+    }
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+GtkListStore* web_list(int rows)
+{
+    GtkListStore* list = create_master_store();
+    for (int i = 0; i < rows; ++i) {
+        connection_record record;
+        record.col = {"Site" + std::to_string(1000 + i), "Web", "", "80", "1", "http://intranet.example/"};
+        record[MC_RDP_FLAGS] = record[MC_ICA_MASK] = "0";
+        insert_master_row(list, -1, record);
+    }
+    return list;
+}
+
+struct save_root {
+    std::string path;
+    std::string master() const { return path + "/etc/.kestrel/kestrel.master"; }
+    void point_globals_here() const
+    {
+        setenv("KESTRELLE_ROOT", path.c_str(), 1);
+        ica_dir = path + "/etc/.kestrel";
+        tmp_dir = path + "/tmp/.kestrel";
+    }
+};
+
+// The master file a save of list writes, made on a file system with room.
+std::string saved_text(GtkListStore* list, const std::string& scratch)
+{
+    save_root root{scratch};
+    make_dirs(root.path + "/etc/.kestrel");
+    make_dirs(root.path + "/tmp/.kestrel");
+    root.point_globals_here();
+    master_connection_list = list;
+    save_master_connections();
+    return read_file_text(root.master());
+}
+
+// Every save either writes the new list without a word, or keeps the list that was on
+// disk before it and says which. Anything else, a master file holding neither, is a
+// lost list.
+TEST(full_disk, master_saves_on_two_small_file_systems_never_lose_the_list)
+{
+    temp_dir work;
+    int cases = 0;
+    std::string report;
+    const bool ran = in_private_mounts([&](std::ostream& out) {
+        message_recorder messages;
+        GtkListStore* old_list = web_list(30);
+        GtkListStore* new_list = web_list(300);
+        const std::string old_text = saved_text(old_list, work / "roomy-old");
+        const std::string new_text = saved_text(new_list, work / "roomy-new");
+        // From 8 KiB: the old master file and appsrv.ini take a page each.
+        for (int etc_kib : {8, 12, 16, 20, 24, 28, 32, 36, 40, 48})
+            for (int tmp_kib : {4, 8, 64}) {
+                save_root root{work / ("case-" + std::to_string(etc_kib) + "-" + std::to_string(tmp_kib))};
+                if (!mount_tmpfs(root.path + "/etc/.kestrel", etc_kib) ||
+                    !mount_tmpfs(root.path + "/tmp/.kestrel", tmp_kib))
+                    _exit(2);
+                root.point_globals_here();
+                write_file(root.master(), old_text);
+                master_connection_list = new_list;
+                std::string before = old_text;
+                for (int save = 1; save <= 2; ++save) {
+                    messages.shown.clear();
+                    save_master_connections();
+                    const std::string after = read_file_text(root.master());
+                    const std::string said = joined(messages.shown);
+                    // appsrv.ini is not rolled back and says so on its own.
+                    std::string about_master = said;
+                    if (about_master.ends_with(appsrv_not_written))
+                        about_master.resize(about_master.size() - appsrv_not_written.size());
+                    const char* kept = after == new_text ? "new" : after == before ? "kept" : "LOST";
+                    const bool as_promised = about_master.empty() ? after == new_text
+                                             : about_master == restored || about_master == not_backed_up
+                                                 ? after == before
+                                                 : false;
+                    out << etc_kib << "k/" << tmp_kib << "k save " << save << ": " << kept << " "
+                        << (as_promised ? "ok" : "BROKEN") << " " << g_strescape(said.c_str(), nullptr) << "\n";
+                    before = after;
+                }
+                umount((root.path + "/etc/.kestrel").c_str());
+                umount((root.path + "/tmp/.kestrel").c_str());
+            }
+    }, &report);
+    if (!ran && (report.find("needs root") != std::string::npos || report.find("namespace") != std::string::npos))
+        GTEST_SKIP() << report;
+    ASSERT_TRUE(ran) << report;
+    std::istringstream lines(report);
+    std::map<std::string, int> outcomes;
+    for (std::string line; std::getline(lines, line); ++cases) {
+        EXPECT_EQ(line.find("LOST"), std::string::npos) << line;
+        EXPECT_EQ(line.find("BROKEN"), std::string::npos) << line;
+        outcomes[line.substr(line.find(':') + 2)]++;
+    }
+    EXPECT_EQ(cases, 60);
+    for (const auto& [outcome, count] : outcomes)
+        std::printf("%3d x %s\n", count, outcome.c_str());
+}
+
+// Options files just under a page grow past it when a key is appended. With /etc filled
+// up to the brim the move cannot write the copy whole: the file must then stay as it was.
+TEST(full_disk, options_file_is_replaced_whole_or_left_unchanged)
+{
+    temp_dir work;
+    std::string report;
+    const bool ran = in_private_mounts([&](std::ostream& out) {
+        message_recorder messages;
+        for (size_t size : {4080, 12270, 20000})
+            for (int filler_kib : {0, 8, 16, 24, 64}) {
+                const std::string taskbar_line = "SHOW_TASKBAR=FALSE\n";
+                std::string options = "ZARVOSHELL=kestrelle\n";
+                while (options.size() + taskbar_line.size() < size)
+                    options += "#";
+                options.back() = '\n';
+                const std::string saved = options + "SHOW_TASKBAR=TRUE\nKIOSK_BROWSER=FALSE\n";
+                options += taskbar_line;
+                const std::string root = work / ("options-" + std::to_string(size) + "-" + std::to_string(filler_kib));
+                if (!mount_tmpfs(root + "/etc", 32) || !mount_tmpfs(root + "/tmp", 64))
+                    _exit(2);
+                setenv("KESTRELLE_ROOT", root.c_str(), 1);
+                write_file(root + "/etc/zarvooptions", options);
+                // As much of the filler as fits.
+                write_file(root + "/etc/filler", std::string(static_cast<size_t>(filler_kib) * 1024, 'f'));
+                show_taskbar = 1;
+                kiosk_mode = 0;
+                messages.shown.clear();
+                write_zarvooptions();
+                const std::string after = read_file_text(root + "/etc/zarvooptions");
+                const std::string said = joined(messages.shown);
+                const bool replaced = after == saved;
+                const bool ok = said.empty() ? replaced : said == options_not_saved && after == options;
+                out << size << " bytes, filler " << filler_kib << "k: "
+                    << (replaced ? "replaced" : after == options ? "unchanged" : "CUT") << " "
+                    << (ok ? "ok" : "BROKEN") << "\n";
+                umount((root + "/etc").c_str());
+                umount((root + "/tmp").c_str());
+            }
+    }, &report);
+    if (!ran && (report.find("needs root") != std::string::npos || report.find("namespace") != std::string::npos))
+        GTEST_SKIP() << report;
+    ASSERT_TRUE(ran) << report;
+    std::istringstream lines(report);
+    for (std::string line; std::getline(lines, line);) {
+        EXPECT_EQ(line.find("BROKEN"), std::string::npos) << line;
+        std::printf("%s\n", line.c_str());
+    }
+}
+
+}  // namespace
