@@ -26,6 +26,6 @@ void das_dialog()
 
 int das_wizard_fork()
 {
-    run_shell_command(root_path(das_wizard));
+    run_shell_command(shell_quote(root_path(das_wizard)));
     return 1;
 }

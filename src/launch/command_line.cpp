@@ -5,6 +5,7 @@
 #include "platform/file.h"
 #include "platform/line_reader.h"
 #include "platform/paths.h"
+#include "platform/shell_command.h"
 #include "ica/paths.h"
 #include "store/choices.h"
 
@@ -155,9 +156,9 @@ void add_xdm_keyboard(argument_vector& arguments, const std::string& keyboard,
     arguments.push_back("+kb");
     arguments.push_back("-xkbmap");
     if (x11_keymap) {
-        *keymap_command = "xkbcomp -xkm -m " + map + " " +
-                          root_path("/etc/X11/xkb/keymap/xfree86") + " -o " +
-                          root_path("/tmp/tmp.xkm");
+        *keymap_command = "xkbcomp -xkm -m " + shell_quote(map) + " " +
+                          shell_quote(root_path("/etc/X11/xkb/keymap/xfree86")) + " -o " +
+                          shell_quote(root_path("/tmp/tmp.xkm"));
         arguments.push_back(compiled_keymap);
     } else {
         arguments.push_back(map + xkm_suffix);
@@ -295,6 +296,6 @@ reachability_check plan_reachability(const connection_record& record)
         ping = "ping -c 1 -q ";
     }
     if (record[MC_PING_PORT] == "0")
-        return {method::icmp, ping + host + " >/dev/null", "", ""};
+        return {method::icmp, ping + shell_quote(host) + " >/dev/null", "", ""};
     return {method::tcp, "", host, record[MC_PING_PORT]};
 }

@@ -159,7 +159,7 @@ void open_end_session(GtkWidget* parent)
 
 void clean_up_and_quit()
 {
-    int status = run_shell_command("rm -rf " + tmp_dir);
+    int status = run_shell_command("rm -rf " + shell_quote(tmp_dir));
     log_printf("Cleaning %s and exiting with status %d.\n", tmp_dir.c_str(), status);
     log_close();
     g_free(misc_widgets);

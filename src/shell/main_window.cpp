@@ -225,7 +225,7 @@ void system_cb(GtkWidget*, gpointer)
     for (const char* program : control_panels) {
         std::string path = root_path(program);
         if (path_exists(path)) {
-            run_shell_command(path + " &");
+            run_shell_command(shell_quote(path) + " &");
             return;
         }
     }

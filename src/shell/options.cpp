@@ -161,7 +161,7 @@ void replace_options_file(const std::string& temp_path)
         return;
     }
     const std::string target = root_path(options_file);
-    const std::string command = "mv -f " + temp_path + " " + target + " > /dev/null";
+    const std::string command = "mv -f " + shell_quote(temp_path) + " " + shell_quote(target) + " > /dev/null";
     if (!target_has_room(temp_path, target) || run_shell_command(command) != 0)
         show_error(move_error_message);
 }
@@ -209,7 +209,7 @@ void set_icewm_taskbar(int show)
     const std::string preferences = root_path(icewm_preferences);
     const std::string temp_path = root_path(preferences_temp_file);
     const std::string edit = std::string("sed '/ShowTaskBar/cShowTaskBar=") + (show ? "1" : "0") +
-                             "' " + preferences + " > " + temp_path;
+                             "' " + shell_quote(preferences) + " > " + shell_quote(temp_path);
     if (run_shell_command(edit) == 0)
-        run_shell_command("cp " + temp_path + " " + preferences);
+        run_shell_command("cp " + shell_quote(temp_path) + " " + shell_quote(preferences));
 }

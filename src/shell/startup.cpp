@@ -83,7 +83,7 @@ void ensure_directory(const std::string& dir, const char* message, int exit_stat
 {
     if (is_directory(dir))
         return;
-    if (run_shell_command("mkdir " + dir) != 0) {
+    if (run_shell_command("mkdir " + shell_quote(dir)) != 0) {
         show_error(message);
         std::exit(exit_status);
     }
@@ -94,7 +94,7 @@ void create_support_directories()
     ensure_directory(tmp_dir, "\nCouldn't create tmp support directory.\n", 1);
     if (!use_instance_file)
         return;
-    run_shell_command("touch " + instance_file);
+    run_shell_command("touch " + shell_quote(instance_file));
     if (!path_exists(instance_file)) {
         show_error("\nCouldn't create instance file.\n");
         std::exit(1);

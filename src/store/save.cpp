@@ -29,7 +29,8 @@ struct save_paths {
 void restore_backup(const save_paths& paths, std::string message)
 {
     if (path_exists(paths.backup)) {
-        int status = run_shell_command("mv -f " + paths.backup + " " + paths.master + " > /dev/null");
+        int status = run_shell_command("mv -f " + shell_quote(paths.backup) + " " +
+                                       shell_quote(paths.master) + " > /dev/null");
         message += status != 0 ? "\nBackup file could not be restored.\n"
                                : "\nBackup file has been restored.\n";
     }
@@ -58,7 +59,7 @@ bool back_up_master(const save_paths& paths)
         unlink(paths.master.c_str());
         return true;
     }
-    if (run_shell_command("cp " + paths.master + " " + paths.backup + " > /dev/null") != 0) {
+    if (run_shell_command("cp " + shell_quote(paths.master) + " " + shell_quote(paths.backup) + " > /dev/null") != 0) {
         show_error("\nError backing up master connection list.\n\nChanges have not been saved.\n");
         return false;
     }

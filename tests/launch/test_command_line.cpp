@@ -147,7 +147,7 @@ TEST_F(command_line_test, reachability_plan)
         {"RDP", "0", "", "", "0", true, none, ""},
         {"RDP", "80", "http://ts:1/x", "", "0", true, tcp, "http://ts"},
         {"Web", "80", "http://www.example.com:8080/a/b:c", "", "0", true, tcp, "www.example.com"},
-        {"Web", "0", "https://intra/", "", "0", true, icmp, "ping -c 1 -q intra >/dev/null"},
+        {"Web", "0", "https://intra/", "", "0", true, icmp, "ping -c 1 -q 'intra' >/dev/null"},
         {"Web", "80", "intra/a:b", "", "0", true, tcp, "intra/a"},
         // ICA checks the server location, as it stands, never the server column. Its ping
         // command is checked where a launch runs it.
