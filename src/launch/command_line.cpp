@@ -158,7 +158,7 @@ void add_xdm_keyboard(argument_vector& arguments, const std::string& keyboard,
     if (x11_keymap) {
         *keymap_command = "xkbcomp -xkm -m " + shell_quote(map) + " " +
                           shell_quote(root_path("/etc/X11/xkb/keymap/xfree86")) + " -o " +
-                          shell_quote(root_path("/tmp/tmp.xkm"));
+                          shell_quote(compiled_keymap_file());
         arguments.push_back(compiled_keymap);
     } else {
         arguments.push_back(map + xkm_suffix);
@@ -272,6 +272,8 @@ argument_vector web_arguments(const connection_record& record)
 {
     return end_at_first_empty({"firefox", record[MC_SERVER]});
 }
+
+std::string compiled_keymap_file() { return root_path("/tmp/tmp.xkm"); }
 
 std::string das_program() { return root_path("/opt/zarvo/marrow"); }
 

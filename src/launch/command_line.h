@@ -29,6 +29,8 @@ argument_vector ica_arguments(const connection_record& record);
 // keymap_command receives the xkbcomp command to run before X starts; else it is
 // left empty.
 argument_vector xdm_arguments(const connection_record& record, std::string* keymap_command);
+// Where xkbcomp writes the compiled map ("/tmp/tmp.xkm" under the root prefix).
+std::string compiled_keymap_file();
 // The map named on the first "xkbmap=" line of the display manager's setup file;
 // "us_intl" when there is no such line or the file cannot be read.
 std::string local_xkb_map(const std::string& setup_file);

@@ -4,6 +4,7 @@
 #include "launch/reachability.h"
 #include "platform/log.h"
 #include "platform/shell_command.h"
+#include "platform/tmp_files.h"
 #include "store/models.h"
 #include "store/record.h"
 
@@ -95,9 +96,16 @@ void exec_xdm(const connection_record& record)
 {
     std::string keymap_command;
     argument_vector arguments = xdm_arguments(record, &keymap_command);
-    // Its result is not checked: X reports a missing map itself.
-    if (!keymap_command.empty())
-        run_shell_command(keymap_command);
+    // Its result is not checked: X reports a missing map itself. The compiled map's
+    // name in /tmp is made afresh first, so that xkbcomp never writes through a planted
+    // link; when it cannot be, the map is not compiled.
+    if (!keymap_command.empty()) {
+        const int fresh = create_fresh_file(compiled_keymap_file());
+        if (fresh >= 0) {
+            close(fresh);
+            run_shell_command(keymap_command);
+        }
+    }
     exec_searched(std::move(arguments));
 }
 

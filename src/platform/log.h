@@ -4,8 +4,9 @@
 
 extern FILE* logfile;  // open from start-up until exit; null when it could not be opened
 
-// Opens the log for appending with mode 0666. Returns false when it cannot be opened;
-// the program then runs without a log.
+// Opens the log for appending with mode 0666. Returns false, and says so on standard
+// error, when it cannot be opened or is not a plain file of the running user (a link,
+// another user's file): the program then runs without a log.
 bool log_open();
 void log_printf(const char* format, ...) __attribute__((format(printf, 1, 2)));
 void log_close();

@@ -5,6 +5,7 @@
 #include "platform/message.h"
 #include "platform/paths.h"
 #include "platform/shell_command.h"
+#include "platform/tmp_files.h"
 #include "shell/globals.h"
 #include "store/models.h"
 
@@ -184,7 +185,7 @@ void write_zarvooptions()
     if (!in)
         return;
     const std::string temp_path = root_path(options_temp_file);
-    unique_file out = open_file(temp_path, "we");
+    unique_file out = open_fresh_file(temp_path);
     if (!out)
         return;
     keys_seen seen;
@@ -210,6 +211,12 @@ void set_icewm_taskbar(int show)
     const std::string temp_path = root_path(preferences_temp_file);
     const std::string edit = std::string("sed '/ShowTaskBar/cShowTaskBar=") + (show ? "1" : "0") +
                              "' " + shell_quote(preferences) + " > " + shell_quote(temp_path);
+    // The shell's redirection would follow a link planted in /tmp: the file is made
+    // afresh first, and a name that cannot be made so ends the change silently.
+    const int fresh = create_fresh_file(temp_path);
+    if (fresh < 0)
+        return;
+    close(fresh);
     if (run_shell_command(edit) == 0)
         run_shell_command("cp " + shell_quote(temp_path) + " " + shell_quote(preferences));
 }

@@ -9,6 +9,7 @@
 #include "platform/message.h"
 #include "platform/paths.h"
 #include "platform/shell_command.h"
+#include "platform/tmp_files.h"
 #include "platform/users.h"
 #include "shell/exit.h"
 #include "shell/globals.h"
@@ -89,9 +90,24 @@ void ensure_directory(const std::string& dir, const char* message, int exit_stat
     }
 }
 
+// The support directory lives in the shared /tmp, and the save's backup and the
+// instance file are made in it: a link there, another user's directory or one that
+// others may write into would let them choose what those commands write. Such a
+// directory is refused as if it could not be created; a new one is made private.
+void create_tmp_directory()
+{
+    constexpr const char* message = "\nCouldn't create tmp support directory.\n";
+    const bool made = !is_directory(tmp_dir);
+    ensure_directory(tmp_dir, message, 1);
+    if ((made && !make_directory_private(tmp_dir)) || !is_private_directory(tmp_dir)) {
+        show_error(message);
+        std::exit(1);
+    }
+}
+
 void create_support_directories()
 {
-    ensure_directory(tmp_dir, "\nCouldn't create tmp support directory.\n", 1);
+    create_tmp_directory();
     if (!use_instance_file)
         return;
     run_shell_command("touch " + shell_quote(instance_file));

@@ -91,10 +91,9 @@ TEST_F(options_test, failures_leave_the_file_and_say_why)
     chmod((root / "bin/mv").c_str(), 0755);
     const std::pair<std::function<void()>, std::vector<std::string>> table[] = {
         {[&] { make_dirs(temp); }, {}},
-        {[&] { symlink("/dev/full", temp.c_str()); },
-         {"\nError writing Zarvo options temporary configuration file, changes not saved.\n"}},
-        {[&] { symlink("/dev/null", temp.c_str()); },
-         {"\nError opening Zarvo options temporary configuration file, changes not saved.\n"}},
+        // A link planted at the temporary name is never followed: it cannot be opened.
+        // (A full /tmp, the write error, is a fault test.)
+        {[&] { symlink("/dev/full", temp.c_str()); }, {}},
         {[&] { setenv("PATH", (root / "bin:" + path).c_str(), 1); },
          {"\nError saving Zarvo options configuration file, changes not saved.\n"}},
     };
