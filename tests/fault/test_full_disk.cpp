@@ -29,6 +29,8 @@ const std::string not_backed_up =
     "\nError backing up master connection list.\n\nChanges have not been saved.\n";
 const std::string appsrv_not_written =
     "\nError writing appsrv.ini.\n\nYou may be able to free some disk space and try again.\n";
+const std::string options_not_written =
+    "\nError writing Zarvo options temporary configuration file, changes not saved.\n";
 const std::string options_not_saved =
     "\nError saving Zarvo options configuration file, changes not saved.\n";
 
@@ -218,6 +220,20 @@ TEST(full_disk, options_file_is_replaced_whole_or_left_unchanged)
                 umount((root + "/etc").c_str());
                 umount((root + "/tmp").c_str());
             }
+        // A /tmp too small for the copy: the write error, and the file as it was.
+        const std::string root = work / "options-full-tmp";
+        if (!mount_tmpfs(root + "/etc", 64) || !mount_tmpfs(root + "/tmp", 4))
+            _exit(2);
+        setenv("KESTRELLE_ROOT", root.c_str(), 1);
+        const std::string options = "ZARVOSHELL=kestrelle\n" + std::string(5000, '#') + "\n";
+        write_file(root + "/etc/zarvooptions", options);
+        messages.shown.clear();
+        write_zarvooptions();
+        const bool ok = joined(messages.shown) == options_not_written &&
+                        read_file_text(root + "/etc/zarvooptions") == options;
+        out << "full /tmp: " << (ok ? "unchanged ok" : "BROKEN") << "\n";
+        umount((root + "/etc").c_str());
+        umount((root + "/tmp").c_str());
     }, &report);
     if (!ran && (report.find("needs root") != std::string::npos || report.find("namespace") != std::string::npos))
         GTEST_SKIP() << report;
