@@ -11,6 +11,7 @@
 namespace {
 
 constexpr int lines_per_record = 35;
+constexpr size_t longest_line = 100;  // characters, line end included, read whole
 
 std::string written(GtkListStore* list)
 {
@@ -35,6 +36,18 @@ std::string load_and_write(const std::string& path)
     return text;
 }
 
+bool has_nul_or_long_line(const uint8_t* data, size_t size)
+{
+    size_t line = 0;
+    for (size_t i = 0; i < size; ++i) {
+        if (data[i] == '\0' || ++line > longest_line)
+            return true;
+        if (data[i] == '\n')
+            line = 0;
+    }
+    return false;
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***)
@@ -49,8 +62,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const std::string path = fuzz_scratch() + "/kestrel.master";
     fuzz_write_file(path, data, size);
     const std::string first = load_and_write(path);
+    // Records are placed by their raw name line: a NUL byte, an over-long line or a last
+    // line without its line end makes that differ from the stored name, so the order
+    // may change once. Such files are only loaded and written.
+    if (has_nul_or_long_line(data, size) || (size > 0 && data[size - 1] != '\n'))
+        return 0;
     fuzz_write_file(path, first);
-    if (load_and_write(path) != first)
-        std::abort();
+    const std::string second = load_and_write(path);
+    if (second != first)
+        fuzz_fail("a written master list reads back differently", first, second);
     return 0;
 }

@@ -55,7 +55,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const std::string line_end = before.empty() || before.back() == '\n' ? "" : "\n";
     const std::string expected = before + line_end + "SHOW_TASKBAR=" + (show_taskbar ? "TRUE" : "FALSE") +
                                  "\nKIOSK_BROWSER=" + (kiosk_mode ? "TRUE" : "FALSE") + "\n";
-    if (file_text(path) != expected)
-        std::abort();
+    const std::string after = file_text(path);
+    if (after != expected)
+        fuzz_fail("the options file without key lines", expected, after);
     return 0;
 }

@@ -3,6 +3,7 @@
 #include "platform/message.h"
 
 #include <cstdlib>
+#include <glib.h>
 #include <filesystem>
 
 namespace {
@@ -61,6 +62,16 @@ std::string fuzz_stream_text(FILE* stream, char** buffer, size_t* size)
     std::string text(*buffer, *size);
     std::free(*buffer);
     return text;
+}
+
+void fuzz_fail(const char* what, const std::string& expected, const std::string& got)
+{
+    gchar* want = g_strescape(expected.c_str(), nullptr);
+    gchar* have = g_strescape(got.c_str(), nullptr);
+    std::fprintf(stderr, "Broken: %s\nexpected: \"%s\"\n     got: \"%s\"\n", what, want, have);
+    g_free(want);
+    g_free(have);
+    std::abort();
 }
 
 std::vector<std::string> fuzz_lines(const uint8_t* data, size_t size)

@@ -54,7 +54,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     fuzz_write_file(path, data, size);
     const std::string first = load_and_write(path);
     fuzz_write_file(path, first);
-    if (load_and_write(path) != first)
-        std::abort();
+    const std::string second = load_and_write(path);
+    if (second != first)
+        fuzz_fail("a written user tree reads back differently", first, second);
     return 0;
 }
