@@ -3,8 +3,8 @@
 // mount namespace of a child process; the child reports each outcome on a pipe.
 #include "ica/paths.h"
 #include "shell/globals.h"
-#include "store/models.h"
 #include "shell/options.h"
+#include "store/models.h"
 #include "store/record.h"
 #include "store/save.h"
 #include "support/test_support.h"
@@ -50,7 +50,7 @@ bool mount_tmpfs(const std::string& dir, int kib)
 }
 
 // Runs body in a child with a private mount namespace; the child's lines come back.
-// Returns false (with the reason) when the namespace or a mount is not allowed.
+// Returns false, with the reason in report, when the namespace or a mount is not allowed.
 bool in_private_mounts(const std::function<void(std::ostream&)>& body, std::string* report)
 {
     if (geteuid() != 0) {
@@ -79,10 +79,16 @@ bool in_private_mounts(const std::function<void(std::ostream&)>& body, std::stri
     int status = 0;
     waitpid(child, &status, 0);
     if (WIFEXITED(status) && WEXITSTATUS(status) == 2) {
-        *report = "no private mount namespace (unshare -m) here";
+        *report = "no private mount namespace (unshare -m) or tmpfs mount allowed here";
         return false;
     }
     return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+// The run could not start for want of rights: the test is skipped with the reason.
+bool not_allowed(const std::string& report)
+{
+    return report.find("needs root") != std::string::npos || report.find("not allowed") != std::string::npos;
 }
 
 GtkListStore* web_list(int rows)
@@ -120,6 +126,27 @@ std::string saved_text(GtkListStore* list, const std::string& scratch)
     return read_file_text(root.master());
 }
 
+std::string escaped(const std::string& text)
+{
+    gchar* escaped_text = g_strescape(text.c_str(), nullptr);
+    std::string result = escaped_text;
+    g_free(escaped_text);
+    return result;
+}
+
+// Silence means the new list was written; a restore or a refused backup means the list
+// on disk before the save is still there. appsrv.ini is not rolled back and says so on
+// its own, whatever happened to the master file.
+bool as_promised(std::string said, const std::string& after, const std::string& before,
+                 const std::string& new_text)
+{
+    if (said.ends_with(appsrv_not_written))
+        said.resize(said.size() - appsrv_not_written.size());
+    if (said.empty())
+        return after == new_text;
+    return (said == restored || said == not_backed_up) && after == before;
+}
+
 // Every save either writes the new list without a word, or keeps the list that was on
 // disk before it and says which. Anything else, a master file holding neither, is a
 // lost list.
@@ -150,24 +177,17 @@ TEST(full_disk, master_saves_on_two_small_file_systems_never_lose_the_list)
                     save_master_connections();
                     const std::string after = read_file_text(root.master());
                     const std::string said = joined(messages.shown);
-                    // appsrv.ini is not rolled back and says so on its own.
-                    std::string about_master = said;
-                    if (about_master.ends_with(appsrv_not_written))
-                        about_master.resize(about_master.size() - appsrv_not_written.size());
-                    const char* kept = after == new_text ? "new" : after == before ? "kept" : "LOST";
-                    const bool as_promised = about_master.empty() ? after == new_text
-                                             : about_master == restored || about_master == not_backed_up
-                                                 ? after == before
-                                                 : false;
-                    out << etc_kib << "k/" << tmp_kib << "k save " << save << ": " << kept << " "
-                        << (as_promised ? "ok" : "BROKEN") << " " << g_strescape(said.c_str(), nullptr) << "\n";
+                    const char* state = after == new_text ? "new" : after == before ? "kept" : "LOST";
+                    out << etc_kib << "k/" << tmp_kib << "k save " << save << ": " << state << " "
+                        << (as_promised(said, after, before, new_text) ? "ok" : "BROKEN") << " "
+                        << escaped(said) << "\n";
                     before = after;
                 }
                 umount((root.path + "/etc/.kestrel").c_str());
                 umount((root.path + "/tmp/.kestrel").c_str());
             }
     }, &report);
-    if (!ran && (report.find("needs root") != std::string::npos || report.find("namespace") != std::string::npos))
+    if (!ran && not_allowed(report))
         GTEST_SKIP() << report;
     ASSERT_TRUE(ran) << report;
     std::istringstream lines(report);
@@ -235,7 +255,7 @@ TEST(full_disk, options_file_is_replaced_whole_or_left_unchanged)
         umount((root + "/etc").c_str());
         umount((root + "/tmp").c_str());
     }, &report);
-    if (!ran && (report.find("needs root") != std::string::npos || report.find("namespace") != std::string::npos))
+    if (!ran && not_allowed(report))
         GTEST_SKIP() << report;
     ASSERT_TRUE(ran) << report;
     std::istringstream lines(report);
