@@ -11,7 +11,7 @@ user_file "TRUE|Tools|Other|FALSE|FALSE|FALSE"
 start_kestrelle
 window=$(main_window)
 [ -n "$window" ] || fail "no main window"
-window_named() { timeout 10 xdotool search --sync --onlyvisible --pid "$pid" --name "^$1\$" | head -1; }
+window_named() { timeout 10 xdotool search --all --sync --onlyvisible --pid "$pid" --name "^$1\$" | head -1; }
 press() { timeout 10 xdotool windowfocus --sync "$1" key --delay 100 "${@:2}"; }
 
 press "$window" alt+v

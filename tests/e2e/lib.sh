@@ -85,10 +85,10 @@ wait_for() {
   done
 }
 
-main_window() { timeout 15 xdotool search --sync --onlyvisible --pid "$pid" --name '^Kestrelle$' | head -1; }
+main_window() { timeout 15 xdotool search --all --sync --onlyvisible --pid "$pid" --name '^Kestrelle$' | head -1; }
 line_count() { [ -f "$1" ] && [ "$(wc -l <"$1")" -ge "$2" ]; }
 has_ended() { ! kill -0 "$pid" 2>/dev/null; }
-visible_windows() { xdotool search --onlyvisible --pid "$pid" --name . 2>/dev/null || true; }
+visible_windows() { xdotool search --onlyvisible --pid "$pid" 2>/dev/null || true; }
 no_children() { [ -z "$(ps -o pid= --ppid "$pid")" ]; }
 
 # expect_text WHAT EXPECTED FILE: the file holds exactly EXPECTED, newline included.

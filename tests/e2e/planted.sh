@@ -40,7 +40,7 @@ fi
 tmp_dir_refused() {
   start_kestrelle
   local dialog
-  dialog=$(timeout 15 xdotool search --sync --onlyvisible --pid "$pid" --name '^Kestrelle$' | head -1)
+  dialog=$(timeout 15 xdotool search --all --sync --onlyvisible --pid "$pid" --name '^Kestrelle$' | head -1)
   [ -n "$dialog" ] || fail "no error dialog"
   timeout 5 xdotool windowfocus --sync "$dialog" key Return
   collect_exit_status
