@@ -3,9 +3,8 @@
 #include "admin/advanced.h"
 #include "editors/editors.h"
 #include "ica/paths.h"
-#include "keymaps/keymaps.h"
+#include "launch/launch_fixture.h"
 #include "launch/password.h"
-#include "launch/spawn.h"
 #include "platform/log.h"
 #include "shell/globals.h"
 #include "shell/main_window.h"
@@ -16,14 +15,6 @@
 #include <sstream>
 
 namespace {
-
-GtkListStore* keymap_store(std::initializer_list<std::pair<const char*, const char*>> rows)
-{
-    GtkListStore* list = gtk_list_store_new(2, G_TYPE_STRING, G_TYPE_STRING);
-    for (const auto& [code, name] : rows)
-        gtk_list_store_insert_with_values(list, nullptr, -1, KM_CODE, code, KM_DESCRIPTION, name, -1);
-    return list;
-}
 
 GtkEntry* entry_of(GtkWidget* widget)
 {
@@ -160,7 +151,7 @@ std::string row_text(const connection_record& record)
 
 void admin_test::SetUp()
 {
-    for (const char* dir : {"etc/.kestrel", "home/admin", "home/bob", "bin"})
+    for (const char* dir : {"etc/.kestrel", "home/admin", "home/bob"})
         make_dirs(root / dir);
     write_file(root / "etc/passwd",
                "admin:x:" + std::to_string(getuid()) + ":0::/home/admin:/bin/sh\n"
@@ -169,9 +160,6 @@ void admin_test::SetUp()
                "nobody:x:65534:65534::/home/nobody:/bin/sh\n"
                "Zed:x:1002:1002::/var/lib/home-less:/bin/sh\n");
     write_file(root / "etc/group", "root:x:0:admin\n");
-    for (const char* program : {"rdesktop", "X", "xkbcomp", "ping", "wfica"})
-        ASSERT_EQ(symlink(RECORD_ARGV, (root / "bin/" + program).c_str()), 0) << program;
-    setenv("KEST_FAKE_LOG", (root / "fake.log").c_str(), 1);
     fill_seedchars();
     ica_dir = root / "etc/.kestrel";
     wfclient_file = ica_dir + "/wfclient.ini";
@@ -182,9 +170,9 @@ void admin_test::SetUp()
     show_taskbar = kiosk_mode = shell_mode = 0;
     das = firefox = user_has_root = x11_keymap = 1;
     selected_user_connection_tree = create_user_tree_store();
-    rdesktop_keymap_list = keymap_store({{"xx", "Use Default"}, {"intl", "International Europe"},
+    rdesktop_keymap_list = make_keymap_list({{"xx", "Use Default"}, {"intl", "International Europe"},
                                          {"de", "German (Germany)"}, {"da", "Danish"}});
-    keymap_list = keymap_store({{"us", "English (US)"}, {"de", "German"}, {"be", "belgian"}});
+    keymap_list = make_keymap_list({{"us", "English (US)"}, {"de", "German"}, {"be", "belgian"}});
     build_main_window();
     finish_main_window();
     add_advanced_button(G_CALLBACK(advanced_dialog));
@@ -207,7 +195,6 @@ void admin_test::TearDown()
     g_clear_object(&selected_user_connection_tree);
     g_clear_object(&rdesktop_keymap_list);
     g_clear_object(&keymap_list);
-    unsetenv("KEST_FAKE_LOG");
 }
 
 std::string admin_test::record(const std::string& name, const std::string& type, bool ping,
@@ -265,24 +252,6 @@ connection_record admin_test::master_row(const std::string& name, const std::str
         return {};
     }
     return read_master_row(GTK_TREE_MODEL(master_connection_list), &iter);
-}
-
-std::string admin_test::launch(const std::string& name, const std::string& type)
-{
-    GtkTreeIter master;
-    if (!find_master_row(master_connection_list, name, type, &master))
-        return "no master row";
-    gtk_list_store_set(master_connection_list, &master, MC_PING, FALSE, -1);
-    GtkTreeIter row;
-    gtk_tree_store_insert_with_values(current_user_connection_tree, &row, nullptr, -1, TC_PRIMARY, TRUE,
-                                      TC_NAME, name.c_str(), TC_TYPE, type.c_str(), TC_PID, "0", TC_STATUS,
-                                      "Not Connected", -1);
-    std::remove((root / "fake.log").c_str());
-    spawn_connection(GTK_TREE_MODEL(current_user_connection_tree), &row);
-    // The child may already have been reaped by spawn_connection; wait for any left.
-    while (waitpid(-1, nullptr, 0) > 0) {
-    }
-    return read_file_text(root / "fake.log");
 }
 
 std::string admin_test::master_file() const { return read_file_text(root / "etc/.kestrel/kestrel.master"); }

@@ -1,8 +1,7 @@
 #pragma once
 // A terminal being administered, for every test of the administration windows and the
 // editors: a private root with a password database, a master list and the user trees,
-// the globals as start-up sets them, the main window, keyboard map lists, and the
-// recording fake first in PATH as every session program.
+// the globals as start-up sets them, the main window and keyboard map lists.
 #include "editors/form.h"
 #include "gui/shell_window_fixture.h"
 #include "store/models.h"
@@ -62,9 +61,6 @@ protected:
     GtkWidget* open(editor_opener opener, const char* title, const std::string& name = "",
                     const std::string& type = "");
     connection_record master_row(const std::string& name, const std::string& type) const;
-    // Starts the connection from the running user's tree with ping off, waits for the
-    // session child and returns the fake's log: one line per program, "name|arg|arg...".
-    std::string launch(const std::string& name, const std::string& type);
     std::string master_file() const;
     std::string user_file(const std::string& user) const;
 

@@ -93,8 +93,3 @@ std::string shell_window_test::cell(const char* path, int column) const
     GtkTreeIter iter = row(path);
     return model_text(GTK_TREE_MODEL(current_user_connection_tree), &iter, column);
 }
-
-void shell_window_test::add_program(const std::string& path, const std::string& body)
-{
-    ::add_program(root / path, body);
-}

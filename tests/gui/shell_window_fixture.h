@@ -24,12 +24,7 @@ private:
     std::string old_path_;
 };
 
-struct shell_setup {
-    bool shell = false;
-    bool admin = false;
-    bool turnoff = false;
-    bool reboot = false;
-};
+struct shell_setup { bool shell = false, admin = false, turnoff = false, reboot = false; };
 
 class shell_window_test : public ::testing::Test {
 protected:
@@ -41,8 +36,6 @@ protected:
     GtkTreeView* view() const;
     GtkTreeIter row(const char* path) const;
     std::string cell(const char* path, int column) const;
-    // A shell script at this path below the root, for the programs the shell starts.
-    void add_program(const std::string& path, const std::string& body);
 
     temp_dir root;
     scoped_root rooted{root.path()};

@@ -1,5 +1,6 @@
 // What every editor shares, run over all of them: the binding round trip and the
-// columns of a new connection. Each editor's own quirks are in its own file.
+// columns of a new connection; then the XDM editor's own rules. The other editors'
+// quirks are in their own files.
 #include "editors/editors.h"
 #include "gui/admin_fixture.h"
 #include "shell/globals.h"
@@ -57,8 +58,8 @@ TEST_F(admin_test, every_editor_saves_the_columns_it_shows_unchanged)
          "c24|c25|belgian|c27|c28|c29|c30|c31|c32|c33|c34|TRUE",
          "Direct; display=2; host=lab.example; keymap=belgian; name=Lab; vt=7",
          "Lab|XDM|TRUE|177|1|lab.example||Query|||||7|2|||||||||||||belgian|||||||0|0|TRUE"},
-        {xdm_dialog, "XDM connection",
-         "Odd|XDM|FALSE|0|3|x|c6|Indirect|c8|c9|c10|c11|vt9|12|c14|c15|c16|c17|c18|c19|c20|c21|c22|c23|c24|"
+        {xdm_dialog, "XDM connection",  // a mode word of another case is Indirect
+         "Odd|XDM|FALSE|0|3|x|c6|query|c8|c9|c10|c11|vt9|12|c14|c15|c16|c17|c18|c19|c20|c21|c22|c23|c24|"
          "c25|Klingon|c27|c28|c29|c30|c31|c32|c33|c34|FALSE",
          "Indirect; display=12; host=x; keymap=Klingon; name=Odd; vt=vt9",
          "Odd|XDM|FALSE|0|3|x||Indirect|||||vt9|12|||||||||||||Klingon|||||||0|0|FALSE"},
@@ -93,41 +94,49 @@ TEST_F(admin_test, every_editor_saves_the_columns_it_shows_unchanged)
     EXPECT_TRUE(messages->shown.empty());
 }
 
-// A new connection saved as the editor opens, and the keyboard lists it offers.
+// A new connection saved as the editor opens.
 TEST_F(admin_test, new_connections_are_saved_with_the_editors_defaults)
 {
-    const struct {
-        editor_opener opener;
-        const char* title;
-        const char* expected;
-        const char* list;  // a control whose choices come from a keyboard map list, or null
-        const char* choices;
-    } table[] = {
-        {other_dialog, "Other connection", "New|Other|FALSE|80|1|||||||||||||||||||||||||||||0|0|FALSE", nullptr, nullptr},
-        {rd_dialog, "rdesktop connection",
-         "New|RDP|TRUE|3389|1|||||||||Use Default|Use Default|Bring to this computer|||||||||||International Europe|"
-         "Modem (56 Kbps)|shared=/tmp/shared||LPT1=/dev/lp0|COM1=/dev/ttyS0||04608|0|FALSE",
-         "keyboard", "Use Default\nDanish\nGerman (Germany)\nInternational Europe\n"},
-        {xdm_dialog, "XDM connection",
-         "New|XDM|TRUE|0|1|||Indirect|||||Automatic|3|||||||||||||Use Local Settings|||||||0|0|FALSE",
-         "keymap", "Use Local Settings\nUse Server Settings\nbelgian\nEnglish (US)\nGerman\n"},
+    const std::pair<editor_opener, const char*> table[] = {
+        {other_dialog, "New|Other|FALSE|80|1|||||||||||||||||||||||||||||0|0|FALSE"},
+        {rd_dialog, "New|RDP|TRUE|3389|1|||||||||Use Default|Use Default|Bring to this computer|||||||||||"
+                    "International Europe|Modem (56 Kbps)|shared=/tmp/shared||LPT1=/dev/lp0|COM1=/dev/ttyS0||04608|0|FALSE"},
+        {xdm_dialog, "New|XDM|TRUE|0|1|||Indirect|||||Automatic|3|||||||||||||Use Local Settings|||||||0|0|FALSE"},
         // The designed flag word: server, compression, sound, default colour map and 1024.
-        {ica_opener, "ICA connection",
-         "New|ICA|TRUE|1494|1||Default|Default||||||Default|Default|Med|Disabled|2598|On|Basic||Default||||441|Off|"
-         "Auto||||||0|01065|FALSE",
-         nullptr, nullptr},
+        {ica_opener, "New|ICA|TRUE|1494|1||Default|Default||||||Default|Default|Med|Disabled|2598|On|Basic||Default||||441|"
+                     "Off|Auto||||||0|01065|FALSE"},
     };
-    for (const auto& c : table) {
-        GtkWidget* editor = open(c.opener, c.title);
-        ASSERT_NE(editor, nullptr) << c.title;
-        if (c.list) {
-            EXPECT_EQ(choices(editor, c.list), c.choices);
-        }
+    for (const auto& [opener, expected] : table) {
+        const std::string type = parse_row(expected)[MC_TYPE];
+        GtkWidget* editor = open(opener, ((type == "RDP" ? "rdesktop" : type) + " connection").c_str());
+        ASSERT_NE(editor, nullptr) << type;
         type_text(editor, "name", "New");
         click(editor, "_Save");
-        EXPECT_EQ(row_text(master_row("New", parse_row(c.expected)[MC_TYPE])), c.expected);
+        EXPECT_EQ(row_text(master_row("New", type)), expected);
     }
     EXPECT_TRUE(messages->shown.empty());
+}
+
+// The hosts offered are those of the XDM rows, each once whatever its case, descending;
+// how each stored mode shows is in the round trip of test_editors.
+TEST_F(admin_test, xdm_editor_query_modes_and_the_host_field)
+{
+    load(master(record("A1", "XDM", false, "0", {{5, "b"}}) + record("A2", "XDM", false, "0", {{5, "A"}}) +
+                record("A3", "XDM", false, "0", {{5, "a"}}) + record("A4", "RDP", false, "0", {{5, "zz"}})));
+    GtkWidget* w = open(xdm_dialog, "XDM connection");
+    EXPECT_EQ(choices(w, "host"), "b\nA\n");
+    EXPECT_TRUE(box_on(w, "Indirect"));
+    save_screenshot(w, "xdm_Indirect");
+    type_text(w, "host", "lab");
+    set_box(w, "Broadcast", true);
+    EXPECT_EQ(text_of(w, "host"), "");
+    EXPECT_FALSE(sensitive(w, "host"));
+    set_box(w, "Direct", true);
+    EXPECT_TRUE(sensitive(w, "host"));
+    set_box(w, "Broadcast", true);
+    type_text(w, "name", "Lab");
+    click(w, "_Save");
+    EXPECT_EQ(master_row("Lab", "XDM")[MC_XDM_MODE], "Broadcast");
 }
 
 }  // namespace

@@ -18,17 +18,6 @@ protected:
         ASSERT_EQ(cell("0", TC_STATUS), "Active");
     }
     std::string log_text() { return read_file_text(root / "tmp/zarvoca.log"); }
-    // Runs the main loop until it is left (true) or the time is up.
-    bool main_loop_ends_within(int milliseconds)
-    {
-        static bool timed_out;
-        timed_out = false;
-        guint guard = g_timeout_add(milliseconds, [](gpointer) -> gboolean { timed_out = true; gtk_main_quit(); return FALSE; }, nullptr);
-        gtk_main();
-        if (!timed_out)
-            g_source_remove(guard);
-        return !timed_out;
-    }
 };
 
 void send_delete_event(GtkWidget* window)
@@ -90,12 +79,8 @@ TEST_F(exit_test, exit_shutdown_and_close_by_mode_rights_and_sessions)
 TEST_F(exit_test, end_session_offers_and_runs_what_the_user_may_do)
 {
     for (std::string program : {"reboot", "poweroff"})
-        add_program("bin/" + program, "echo " + program + " >> " + (root / "machine"));
-    struct expectation {
-        shell_setup setup;
-        std::string choices;
-        int last;
-    } table[] = {
+        add_program(root / ("bin/" + program), "echo " + program + " >> " + (root / "machine"));
+    struct expectation { shell_setup setup; std::string choices; int last; } table[] = {
         {{true, false, false, false}, "Quit current session\n", 0},
         {{true, false, false, true}, "Quit current session\nReboot the computer\n", 1},
         {{true, false, true, false}, "Quit current session\nTurn off computer\n", 1},
@@ -147,7 +132,11 @@ TEST_F(exit_test, a_signal_is_answered_only_after_the_modal_dialog_closes)
         show_error("\nA message.\n");
         return FALSE;
     }, nullptr);
-    EXPECT_TRUE(main_loop_ends_within(3000));
+    static bool timed_out = false;
+    const guint guard = g_timeout_add(3000, [](gpointer) -> gboolean { timed_out = true; gtk_main_quit(); return FALSE; }, nullptr);
+    gtk_main();
+    ASSERT_FALSE(timed_out) << "the main loop was not left";
+    g_source_remove(guard);
     EXPECT_FALSE(path_exists(tmp_dir));
     EXPECT_NE(log_text().find("Caught signal 1.\nCleaning " + tmp_dir + " and exiting with status 0.\n"),
               std::string::npos);

@@ -6,10 +6,7 @@ using labels = std::vector<std::string>;
 
 TEST_F(shell_window_test, buttons_follow_mode_and_rights)
 {
-    struct expectation {
-        shell_setup setup;
-        labels buttons;
-    } table[] = {
+    struct expectation { shell_setup setup; labels buttons; } table[] = {
         {{false, false}, {"_Connect", "E_xit", "_Settings", "_Help"}},
         {{true, false}, {"_Connect", "Sh_utdown", "_Settings", "_Help"}},
         {{false, true}, {"_Connect", "E_xit", "_Settings", "Ad_vanced", "_Help"}},
@@ -63,7 +60,7 @@ TEST_F(shell_window_test, settings_starts_the_first_control_panel_found)
     GtkWidget* settings = find_button(root_window, "_Settings");
     gtk_button_clicked(GTK_BUTTON(settings));  // neither program: nothing happens
     for (std::string program : {"zarvocontrolpanel", "xfce-setting-show"})
-        add_program("usr/bin/" + program, "echo " + program + " >> " + (root / "started"));
+        add_program(root / ("usr/bin/" + program), "echo " + program + " >> " + (root / "started"));
     gtk_button_clicked(GTK_BUTTON(settings));
     EXPECT_TRUE(wait_for([&] { return read_file_text(root / "started") == "zarvocontrolpanel\n"; }));
     unlink((root / "usr/bin/zarvocontrolpanel").c_str());

@@ -3,7 +3,6 @@
 
 #include "editors/editors.h"
 #include "editors/rdp_editor.h"
-#include "launch/password.h"
 #include "shell/globals.h"
 
 namespace {
@@ -26,6 +25,7 @@ protected:
 TEST_F(rdp_editor_test, presets_set_the_boxes_and_the_boxes_name_the_preset)
 {
     GtkWidget* w = open_rdp();
+    screenshot_pages(w, "tabs", "rdp-editor-");
     auto boxes = [&] {
         std::string on;
         for (const char* box : {"background", "dragging", "animation", "themes"})
@@ -58,30 +58,6 @@ TEST_F(rdp_editor_test, presets_set_the_boxes_and_the_boxes_name_the_preset)
     type_text(w, "name", "Fast");
     click(w, "_Save");
     EXPECT_EQ(master_row("Fast", "RDP")[MC_RDP_FLAGS], "05056");  // compression and all four
-}
-
-TEST_F(rdp_editor_test, passwords_of_every_length_are_stored_padded_or_whole)
-{
-    // 32 characters and more are stored unpadded and cut short when read: kept so.
-    const struct { size_t length; size_t stored; bool intact; } cases[] = {
-        {0, 0, true}, {1, 33, true}, {31, 33, true}, {32, 32, false}, {100, 100, false},
-    };
-    for (const auto& c : cases) {
-        const std::string name = "Desk" + std::to_string(c.length);
-        const std::string password(c.length, 'k');
-        GtkWidget* w = open_rdp();
-        type_text(w, "name", name);
-        type_text(w, "password", password);
-        click(w, "_Save");
-        const std::string stored = master_row(name, "RDP")[MC_PASSWORD];
-        EXPECT_EQ(stored.size(), c.stored) << c.length;
-        if (c.stored == 33) {
-            EXPECT_EQ(stored.front() ^ stored.back(), static_cast<int>(c.length));
-        }
-        w = open_rdp(name);
-        EXPECT_EQ(text_of(w, "password") == password, c.intact) << c.length;
-        click(w, "_Cancel");
-    }
 }
 
 TEST_F(rdp_editor_test, printer_window_reads_printcap_and_fills_the_entry)
@@ -128,26 +104,6 @@ TEST_F(rdp_editor_test, printer_window_reads_printcap_and_fills_the_entry)
     type_text(w, "name", "Printing");
     click(w, "_Save");
     EXPECT_EQ(master_row("Printing", "RDP")[MC_RDP_PRINTER], "");
-}
-
-TEST_F(rdp_editor_test, saved_connection_starts_rdesktop_with_its_settings)
-{
-    GtkWidget* w = open_rdp();
-    const std::pair<const char*, const char*> typed[] = {
-        {"computer", "ts.example"}, {"username", "ann"}, {"password", "pw"}, {"domain", "CORP"},
-        {"size", "1024x768"}, {"colors", "True Color (24 bit)"}, {"sound", "Leave at remote computer"},
-        {"keyboard", "German (Germany)"}, {"experience", "LAN (10 Mbps or higher)"},
-        {"extra_options_value", "-T 'My desk'"}, {"program", "not passed: box off"}, {"name", "Office"},
-    };
-    for (const auto& [name, text] : typed)
-        type_text(w, name, text);
-    for (const char* box : {"disk", "extra_options", "bitmap_caching"})
-        set_box(w, box, true);
-    screenshot_pages(w, "tabs", "rdp-editor-");
-    click(w, "_Save");
-    EXPECT_EQ(launch("Office", "RDP"),
-              "rdesktop|rdesktop|-uann|-ppw|-dCORP|-g1024x768|-a24|-rsound:remote|-kde|-b|-z|-xl|"
-              "-rdisk:shared=/tmp/shared|-T|My desk|ts.example\n");
 }
 
 // A frame picture is shown only when the theme folder has it; none is no warning.
