@@ -12,10 +12,7 @@ constexpr tree_position p(int primary, int secondary = -1) { return {primary, se
 
 TEST(tree_moves, targets_up_and_down)
 {
-    struct move {
-        tree_position from;
-        std::optional<tree_position> up, down;
-    } table[] = {
+    struct move { tree_position from; std::optional<tree_position> up, down; } table[] = {
         {p(0), std::nullopt, p(0, 0)},    // the very first row cannot go up
         {p(0, 0), p(0), p(0, 1)},         // a first secondary goes up to its primary
         {p(0, 1), p(0, 0), p(1)},         // the last secondary goes down to the next primary

@@ -87,18 +87,6 @@ TEST(wfclient, address_slots)
         EXPECT_EQ(read_server_locations(text).tcp, tcp) << text;
 }
 
-TEST(wfclient, saved_defaults_come_back_in_order)
-{
-    const server_locations saved{{"h1", "h2"}, {"t1", "t2", "t3"}, "TCP browser"};
-    const std::string text = rewrite_server_locations(default_wfclient_text, saved);
-    EXPECT_NE(text.find("TcpBrowserAddress=t1\nTcpBrowserAddress2=t2\nTcpBrowserAddress3=t3\n"),
-              std::string::npos);
-    const server_locations read = read_server_locations(text);
-    EXPECT_EQ(read.http, saved.http);
-    EXPECT_EQ(read.tcp, saved.tcp);
-    EXPECT_EQ(read.protocol, "TCP browser");
-}
-
 TEST(wfclient, file_without_section_loses_its_keys)
 {
     const std::string text = "Version=2\nHttpBrowserAddress=h\nSSLEnable=On\nHotkey1Char=F1\n";
@@ -118,7 +106,7 @@ TEST(wfclient, com_ports_keep_their_names)
 }
 
 // The file functions: a private root with ica_dir, tmp_dir and the client folder.
-class wfclient_files : public ::testing::Test {
+class wfclient_files : public rooted_test {
 protected:
     void SetUp() override
     {
@@ -129,8 +117,6 @@ protected:
         tmp_dir = root / "tmp";
         ica_root = "";
     }
-    temp_dir root;
-    message_recorder messages;
 };
 
 TEST_F(wfclient_files, default_file_without_client_copy)

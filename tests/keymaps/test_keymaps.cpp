@@ -19,14 +19,7 @@ std::string rdesktop_rows()
     return std::accumulate(lines.begin(), lines.end(), std::string());
 }
 
-class keymaps_test : public testing::Test {
-protected:
-    void write(const std::string& name, const std::string& text) { write_file(root / name, text); }
-
-    temp_dir root;
-    scoped_root scope{root.path()};
-    message_recorder messages;
-};
+using keymaps_test = rooted_test;
 
 // A name ending in "/" is made a directory, which counts as a source that does not open.
 // The last case finds the list filled by the one before and must leave it empty.
@@ -84,7 +77,7 @@ TEST_F(keymaps_test, keymap_lst_names_then_built_in_names)
     EXPECT_EQ(rdesktop_keymap_dir, root / dir.substr(0, dir.size() - 1));
 
     for (const char* map : {"de", "fr", "nl", "nl-be", "xx", "zz", "common", "modifiers"})
-        write(dir + map, "include common\n");
+        write_file(root / (dir + map), "include common\n");
     const std::string built_in = "xx|Use Default\nde|German (Germany)\nfr|French (France)\n"
                                  "nl-be|Dutch (Netherlands)\nnl|Dutch (Belgium)\nxx|Use Default\nzz|zz\n";
     const std::pair<std::string, std::string> cases[] = {
@@ -98,7 +91,7 @@ TEST_F(keymaps_test, keymap_lst_names_then_built_in_names)
     };
     for (const auto& [list, expected] : cases) {
         std::filesystem::remove(root / (dir + "keymap.lst"));
-        list == "/" ? make_dirs(root / (dir + "keymap.lst")) : write(dir + "keymap.lst", list);
+        list == "/" ? make_dirs(root / (dir + "keymap.lst")) : write_file(root / (dir + "keymap.lst"), list);
         EXPECT_EQ(make_rdesktop_keymap(), 1);
         EXPECT_EQ(rdesktop_rows(), expected) << list;
     }
@@ -106,7 +99,7 @@ TEST_F(keymaps_test, keymap_lst_names_then_built_in_names)
 
 TEST_F(keymaps_test, read_file_reports_a_file_it_cannot_load)
 {
-    write("etc/present", "text");
+    write_file(root / "etc/present", "text");
     const std::string missing = root / "etc/missing";
     testing::internal::CaptureStdout();
     EXPECT_EQ(read_file((root / "etc/present").c_str()), 1);

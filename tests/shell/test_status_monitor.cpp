@@ -27,12 +27,7 @@ using target = restart_target;
 // parent prompt.
 TEST(restart_rules, decide_what_starts_and_whether_to_prompt)
 {
-    struct example {
-        const char* what;
-        ended_row row;
-        bool dialog_shown;
-        restart_decision expected;
-    } table[] = {
+    struct example { const char* what; ended_row row; bool dialog_shown; restart_decision expected; } table[] = {
         {"a", {11, true, true, true, true}, false, {target::self, true}},
         {"a: prompt already shown", {11, true, true, true, true}, true, {target::self, false}},
         {"a: a secondary", {11, true, false, false, false, true}, false, {target::self, false}},
@@ -57,12 +52,7 @@ TEST(restart_rules, decide_what_starts_and_whether_to_prompt)
 enum class session { idle, running, ended, not_ours, zero_id };
 
 // A row: name, secondary (under the last primary before it), persistent, prompt, state, polls.
-struct row_shape {
-    const char* name;
-    bool secondary, persistent, prompt;
-    session state;
-    int polls;
-};
+struct row_shape { const char* name; bool secondary, persistent, prompt; session state; int polls; };
 
 // Real child processes stand for sessions; rows started by the poll get children that
 // end at once, since no connection is in the (empty) master list.

@@ -7,7 +7,7 @@
 #include "store/record.h"
 #include "support/test_support.h"
 
-class store_test : public ::testing::Test {
+class store_test : public rooted_test {
 protected:
     void SetUp() override
     {
@@ -52,8 +52,4 @@ protected:
         record[MC_TYPE] = type;
         insert_master_row(master_connection_list, -1, record);
     }
-
-    temp_dir root;
-    scoped_root rooted{root.path()};
-    message_recorder messages;
 };

@@ -2,8 +2,6 @@
 
 #include "store_fixture.h"
 
-#include <random>
-
 namespace {
 
 class master_file_test : public store_test {
@@ -54,10 +52,7 @@ TEST_F(master_file_test, loads_every_column_and_the_header_rules)
 // Types number the records in file order; rows already in the list have type "old".
 TEST_F(master_file_test, orders_by_name_without_case_and_equal_names_in_file_order)
 {
-    const struct {
-        std::vector<std::string> present, file;
-        std::string expected;
-    } cases[] = {
+    const struct { std::vector<std::string> present, file; std::string expected; } cases[] = {
         {{}, {"beta", "Alpha", "alpha", "Desk", "Desk"}, "Alpha|1\nalpha|2\nbeta|0\nDesk|3\nDesk|4\n"},
         // "a\t" sorts before "a\n" but after "a": the list is no longer sorted, and each
         // name still goes before the first row that is not less than it.
@@ -74,26 +69,6 @@ TEST_F(master_file_test, orders_by_name_without_case_and_equal_names_in_file_ord
         load(text);
         EXPECT_EQ(rows(), c.expected);
     }
-}
-
-// The loader places rows by bisection; on names like these the list is not sorted, and
-// it must still give the order of the row-by-row walk of the table above.
-TEST_F(master_file_test, matches_the_row_by_row_walk_on_random_names)
-{
-    std::mt19937 random(7);
-    std::string text = header();
-    std::vector<std::string> expected;
-    for (int i = 0; i < 300; ++i) {
-        std::string name;
-        for (int n = 1 + random() % 3; n > 0; --n)
-            name += "aAbB\t!~"[random() % 7];
-        text += record_lines(name, std::to_string(i));
-        expected.insert(std::find_if(expected.begin(), expected.end(), [&](const std::string& row) {
-            return g_ascii_strcasecmp(row.substr(0, row.find('|')).c_str(), (name + "\n").c_str()) >= 0;
-        }), name + "|" + std::to_string(i) + "\n");
-    }
-    load(text);
-    EXPECT_EQ(rows(), std::accumulate(expected.begin(), expected.end(), std::string()));
 }
 
 TEST_F(master_file_test, over_long_lines_and_a_cut_last_record)

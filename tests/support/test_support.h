@@ -64,3 +64,12 @@ public:
     // The last text set, shown or not.
     std::string label;
 };
+
+// The fixture of the tests that touch files: a private root that KESTRELLE_ROOT points at,
+// and the messages shown meanwhile.
+class rooted_test : public ::testing::Test {
+protected:
+    temp_dir root;
+    scoped_root rooted{root.path()};
+    message_recorder messages;
+};
