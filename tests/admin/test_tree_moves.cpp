@@ -39,6 +39,13 @@ tree_row row(const char* name, bool flags, const char* pid)
     return r;
 }
 
+// Name, pid, status, then Auto, Persistent and Prompt as digits, then the poll count.
+std::string shown(const tree_row& r)
+{
+    return r.name + "|" + r.pid + "|" + r.status + "|" + std::to_string(r.automatic) + std::to_string(r.persistent) +
+           std::to_string(r.prompt) + "|" + std::to_string(r.polls);
+}
+
 TEST(tree_moves, exchange_keeps_position_flags_and_applies_start_flag_rules)
 {
     struct exchange {
@@ -60,20 +67,9 @@ TEST(tree_moves, exchange_keeps_position_flags_and_applies_start_flag_rules)
         tree_row target = row("Other", true, "01234");
         exchange_rows(selected, target, e.up, e.selected_secondary, e.target_secondary);
         SCOPED_TRACE(testing::Message() << e.up << e.selected_secondary << e.target_secondary);
-        EXPECT_EQ(selected.name, "Other");
-        EXPECT_EQ(selected.pid, "01234");
-        EXPECT_EQ(selected.status, "Active");
-        EXPECT_EQ(target.name, "Mover");
-        EXPECT_EQ(target.pid, "0");
-        EXPECT_EQ(selected.automatic, e.selected_after);
-        EXPECT_EQ(selected.persistent, e.selected_after);
-        EXPECT_EQ(target.automatic, e.target_after);
-        EXPECT_EQ(target.persistent, e.target_after);
-        // Prompt and the poll count stay with the position.
-        EXPECT_FALSE(selected.prompt);
-        EXPECT_TRUE(target.prompt);
-        EXPECT_EQ(selected.polls, 0);
-        EXPECT_EQ(target.polls, 7);
+        // Auto and Persistent as the table says; Prompt and the poll count stay with the position.
+        EXPECT_EQ(shown(selected), "Other|01234|Active|" + std::string(e.selected_after ? "11" : "00") + "0|0");
+        EXPECT_EQ(shown(target), "Mover|0|Not Connected|" + std::string(e.target_after ? "11" : "00") + "1|7");
     }
 }
 

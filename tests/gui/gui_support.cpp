@@ -388,14 +388,16 @@ void admin_test::TearDown()
 {
     messages.reset();
     // The windows a test left open; state closes the main window and the shared dialogs.
+    // Held while the list is walked: destroying one window may destroy another.
     GList* windows = gtk_window_list_toplevels();
+    g_list_foreach(windows, [](gpointer window, gpointer) { g_object_ref(window); }, nullptr);
     for (GList* w = windows; w; w = w->next) {
         GtkWidget* window = GTK_WIDGET(w->data);
         if (window != root_window && window != error_dialog && window != reconnect_dialog &&
             gtk_widget_get_visible(window))
             gtk_widget_destroy(window);
     }
-    g_list_free(windows);
+    g_list_free_full(windows, g_object_unref);
     g_clear_object(&selected_user_connection_tree);
     g_clear_object(&rdesktop_keymap_list);
     g_clear_object(&keymap_list);

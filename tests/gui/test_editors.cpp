@@ -237,22 +237,4 @@ TEST_F(rdp_editor_test, printer_window_reads_printcap_and_fills_the_entry)
     EXPECT_EQ(master_row("Printing", "RDP")[MC_RDP_PRINTER], "");
 }
 
-// A frame picture is shown only when the theme folder has it; none is no warning.
-TEST_F(rdp_editor_test, frame_pictures_come_from_the_theme_folder)
-{
-    for (const auto& [debian_set, folder] : {std::pair{1, "usr/share/pixmaps/"}, {0, "usr/share/xfce4/themes/Curve/"}}) {
-        debian = debian_set;
-        make_dirs(root / folder);
-        GdkPixbuf* picture = gdk_pixbuf_new(GDK_COLORSPACE_RGB, FALSE, 8, 16, 16);
-        gdk_pixbuf_save(picture, (root / folder + "terminal.png").c_str(), "png", nullptr, nullptr);
-        g_object_unref(picture);
-        GtkWidget* w = open_rdp();
-        EXPECT_TRUE(find_named_widget(w, "terminal.png")) << folder;
-        EXPECT_FALSE(find_named_widget(w, "print.png")) << folder;
-        click(w, "_Cancel");
-        std::remove((root / folder + "terminal.png").c_str());
-    }
-    EXPECT_TRUE(messages->shown.empty());
-}
-
 }  // namespace
