@@ -48,10 +48,8 @@ std::string shown(const tree_row& r)
 
 TEST(tree_moves, exchange_keeps_position_flags_and_applies_start_flag_rules)
 {
-    struct exchange {
-        bool up, selected_secondary, target_secondary;
-        bool selected_after, target_after;  // Auto and Persistent at each position afterwards
-    } table[] = {
+    // The move, then Auto and Persistent at each position afterwards.
+    struct exchange { bool up, selected_secondary, target_secondary, selected_after, target_after; } table[] = {
         // Both primaries: the start flags travel with their connections.
         {true, false, false, true, false},
         {false, false, false, true, false},

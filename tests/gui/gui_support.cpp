@@ -275,7 +275,10 @@ void type_text(GtkWidget* window, const char* name, const std::string& text)
         gtk_entry_set_text(GTK_ENTRY(widget), text.c_str());
 }
 
-void set_box(GtkWidget* window, const char* name, bool on) { gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(named(window, name)), on); }
+void set_box(GtkWidget* window, const char* name, bool on)
+{
+    gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(named(window, name)), on);
+}
 
 bool box_on(GtkWidget* window, const char* name) { return gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(named(window, name))); }
 

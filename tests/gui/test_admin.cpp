@@ -64,12 +64,7 @@ TEST_F(advanced_test, a_new_das_connection_is_saved_sorted_and_offered_to_the_us
 TEST_F(advanced_test, a_new_name_must_be_given_and_free_for_its_type)
 {
     GtkWidget* advanced = open_advanced();
-    const struct {
-        const char* choice;
-        const char* title;
-        const char* name;
-        const char* refusal;  // nullptr: saved
-    } table[] = {
+    const struct { const char *choice, *title, *name, *refusal; } table[] = {  // refusal null: saved
         {"Firefox", "Web connection", "", "\nPlease enter a name for this connection.\n"},
         {"Firefox", "Web connection", "Intranet", "\nA connection with that name and type already exists.\n"},
         {"Other", "Other connection", "Intranet", nullptr},  // the same name with another type
@@ -279,8 +274,9 @@ TEST_F(advanced_test, ping_first_and_its_options)
         EXPECT_EQ(model_text(list, &row, MC_PING_PORT), p.port_after);
     }
     // The file follows every step: Desk off, Intranet on with 80, Tools as it was.
-    EXPECT_EQ(master_file(), master_text(master_record("Desk", "RDP", false, "3389", {{5, "desk.example"}, {33, "04608"}}) +
-                                    master_record("Intranet", "Web", true, "80", {{5, "http://intranet.example/"}}) + tools));
+    EXPECT_EQ(master_file(),
+              master_text(master_record("Desk", "RDP", false, "3389", {{5, "desk.example"}, {33, "04608"}}) +
+                          master_record("Intranet", "Web", true, "80", {{5, "http://intranet.example/"}}) + tools));
 }
 
 TEST(add_connection_choices, follow_the_installed_programs_and_the_shell_mode)

@@ -139,13 +139,8 @@ void send_delete_event(GtkWidget* window)
 // Nothing here may end the program; only the shell's close opens End Session.
 TEST_F(exit_test, exit_shutdown_and_close_by_mode_rights_and_sessions)
 {
-    struct expectation {
-        shell_setup setup;
-        bool session;
-        const char* button;  // null: close the window
-        const char* shown;
-        bool window_kept;
-    } table[] = {
+    // The button pressed (null: the window is closed), the warning shown, the window kept.
+    struct expectation { shell_setup setup; bool session; const char *button, *shown; bool window_kept; } table[] = {
         {{true, false}, false, nullptr, "", true},
         {{false, false}, true, "E_xit", warning, true},
         {{true, true}, true, "Sh_utdown", warning, true},

@@ -38,11 +38,8 @@ TEST_F(keymaps_test, x_layouts_come_from_the_first_source_that_opens)
                                     "xkb_keymap \"de_CH  \"\t{\n// xkb_keymap without a name\n";
     const std::string xfce_text = "# keyboard layouts\nus \"English\"\nde   \"German\"   # comment\n"
                                   "fr \"French # Azerty\"\nnolayout\nbe \"Belgian\n";
-    const struct {
-        std::vector<std::pair<std::string, std::string>> files;
-        int result, x11;
-        std::string expected;
-    } cases[] = {
+    using file_list = std::vector<std::pair<std::string, std::string>>;
+    const struct { file_list files; int result, x11; std::string expected; } cases[] = {
         {{{rules, rules_text}, {keymap, keymap_text}, {xfce, xfce_text}}, 1, 1,
          "us|U.S. English\nde|German\nabcdefghijklmn|Fourteen\nxx|" + std::string(96, 'd') + "\nzz|zed\n"},
         {{{rules, "! model\n  us  U.S.\n"}, {xfce, xfce_text}}, 1, 1, ""},
