@@ -12,10 +12,7 @@ constexpr tree_position p(int primary, int secondary = -1) { return {primary, se
 
 TEST(tree_moves, targets_up_and_down)
 {
-    struct move {
-        tree_position from;
-        std::optional<tree_position> up, down;
-    } table[] = {
+    struct move { tree_position from; std::optional<tree_position> up, down; } table[] = {
         {p(0), std::nullopt, p(0, 0)},    // the very first row cannot go up
         {p(0, 0), p(0), p(0, 1)},         // a first secondary goes up to its primary
         {p(0, 1), p(0, 0), p(1)},         // the last secondary goes down to the next primary
@@ -42,12 +39,17 @@ tree_row row(const char* name, bool flags, const char* pid)
     return r;
 }
 
+// Name, pid, status, then Auto, Persistent and Prompt as digits, then the poll count.
+std::string shown(const tree_row& r)
+{
+    return r.name + "|" + r.pid + "|" + r.status + "|" + std::to_string(r.automatic) + std::to_string(r.persistent) +
+           std::to_string(r.prompt) + "|" + std::to_string(r.polls);
+}
+
 TEST(tree_moves, exchange_keeps_position_flags_and_applies_start_flag_rules)
 {
-    struct exchange {
-        bool up, selected_secondary, target_secondary;
-        bool selected_after, target_after;  // Auto and Persistent at each position afterwards
-    } table[] = {
+    // The move, then Auto and Persistent at each position afterwards.
+    struct exchange { bool up, selected_secondary, target_secondary, selected_after, target_after; } table[] = {
         // Both primaries: the start flags travel with their connections.
         {true, false, false, true, false},
         {false, false, false, true, false},
@@ -63,20 +65,9 @@ TEST(tree_moves, exchange_keeps_position_flags_and_applies_start_flag_rules)
         tree_row target = row("Other", true, "01234");
         exchange_rows(selected, target, e.up, e.selected_secondary, e.target_secondary);
         SCOPED_TRACE(testing::Message() << e.up << e.selected_secondary << e.target_secondary);
-        EXPECT_EQ(selected.name, "Other");
-        EXPECT_EQ(selected.pid, "01234");
-        EXPECT_EQ(selected.status, "Active");
-        EXPECT_EQ(target.name, "Mover");
-        EXPECT_EQ(target.pid, "0");
-        EXPECT_EQ(selected.automatic, e.selected_after);
-        EXPECT_EQ(selected.persistent, e.selected_after);
-        EXPECT_EQ(target.automatic, e.target_after);
-        EXPECT_EQ(target.persistent, e.target_after);
-        // Prompt and the poll count stay with the position.
-        EXPECT_FALSE(selected.prompt);
-        EXPECT_TRUE(target.prompt);
-        EXPECT_EQ(selected.polls, 0);
-        EXPECT_EQ(target.polls, 7);
+        // Auto and Persistent as the table says; Prompt and the poll count stay with the position.
+        EXPECT_EQ(shown(selected), "Other|01234|Active|" + std::string(e.selected_after ? "11" : "00") + "0|0");
+        EXPECT_EQ(shown(target), "Mover|0|Not Connected|" + std::string(e.target_after ? "11" : "00") + "1|7");
     }
 }
 

@@ -1,8 +1,17 @@
 #include "gui/gui_support.h"
 
-#include "support/test_support.h"
+#include "admin/advanced.h"
+#include "editors/editors.h"
+#include "launch/launch_fixture.h"
+#include "launch/password.h"
+#include "launch/spawn.h"
+#include "platform/log.h"
+#include "shell/widgets.h"
+#include "store/master_file.h"
+#include "store/user_file.h"
 
 #include <chrono>
+#include <sstream>
 #include <sys/stat.h>
 #include <thread>
 
@@ -40,6 +49,44 @@ GtkWidget* find_toplevel(const std::function<bool(GtkWidget*)>& match)
     return found;
 }
 
+void add_connection(GtkTreeIter* parent, GtkTreeIter* row, const std::string& name, bool persistent)
+{
+    connection_record record;
+    record[MC_NAME] = name;
+    record[MC_TYPE] = "Other";
+    record[MC_PING_PORT] = "0";
+    record[MC_PROGRAM] = "sleep 4";
+    insert_master_row(master_connection_list, -1, record);
+    gtk_tree_store_append(current_user_connection_tree, row, parent);
+    write_tree_row(current_user_connection_tree, row, {parent == nullptr, name, "Other", false, persistent});
+}
+
+GtkEntry* entry_of(GtkWidget* widget)
+{
+    return GTK_IS_COMBO_BOX(widget) ? GTK_ENTRY(gtk_bin_get_child(GTK_BIN(widget))) : GTK_ENTRY(widget);
+}
+
+void collect_shown(GtkWidget* widget, texts& shown)
+{
+    const std::string name = gtk_widget_get_name(widget);
+    const bool named_control = name.rfind("Gtk", 0) != 0;
+    if (named_control && GTK_IS_TOGGLE_BUTTON(widget)) {
+        if (gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(widget)))
+            shown.push_back(name);
+    } else if (named_control && (GTK_IS_ENTRY(widget) || GTK_IS_COMBO_BOX(widget))) {
+        const std::string text = GTK_IS_COMBO_BOX(widget) && !gtk_bin_get_child(GTK_BIN(widget))
+                                     ? combo_text(widget)
+                                     : gtk_entry_get_text(entry_of(widget));
+        if (!text.empty())
+            shown.push_back(name + "=" + text);
+    } else if (GTK_IS_CONTAINER(widget)) {
+        GList* children = gtk_container_get_children(GTK_CONTAINER(widget));
+        for (GList* child = children; child; child = child->next)
+            collect_shown(GTK_WIDGET(child->data), shown);
+        g_list_free(children);
+    }
+}
+
 }  // namespace
 
 bool wait_for(const std::function<bool()>& condition, int timeout_ms)
@@ -53,10 +100,7 @@ bool wait_for(const std::function<bool()>& condition, int timeout_ms)
     return condition();
 }
 
-void pump_events(int milliseconds)
-{
-    wait_for([] { return false; }, milliseconds);
-}
+void pump_events(int milliseconds) { wait_for([] { return false; }, milliseconds); }
 
 std::vector<std::string> button_labels(GtkWidget* container)
 {
@@ -137,4 +181,274 @@ void add_program(const std::string& file, const std::string& body)
     make_dirs(file.substr(0, file.rfind('/')));
     write_file(file, "#!/bin/sh\n" + body + "\n");
     chmod(file.c_str(), 0755);
+}
+
+shell_state::shell_state(const temp_dir& root)
+{
+    make_dirs(root / "tmp/.kestrel");
+    tmp_dir = root / "tmp/.kestrel";
+    log_open();
+    old_path_ = std::getenv("PATH");
+    setenv("PATH", (root / "bin:" + old_path_).c_str(), 1);
+    misc_widgets = g_new0(GtkWidget*, 3);
+    master_connection_list = create_master_store();
+    current_user_connection_tree = create_user_tree_store();
+}
+
+shell_state::~shell_state()
+{
+    for (GtkWidget* window : {root_window, error_dialog, reconnect_dialog})
+        if (window)
+            gtk_widget_destroy(window);
+    pump_events(20);
+    root_window = error_dialog = reconnect_dialog = nullptr;
+    g_clear_object(&master_connection_list);
+    g_clear_object(&current_user_connection_tree);
+    g_free(misc_widgets);
+    misc_widgets = nullptr;
+    log_close();
+    setenv("PATH", old_path_.c_str(), 1);
+}
+
+void shell_window_test::SetUp()
+{
+    GtkTreeIter desk, backup;
+    add_connection(nullptr, &desk, "Desk", true);
+    add_connection(&desk, &backup, "Backup", false);
+}
+
+void shell_window_test::TearDown()
+{
+    for (const char* connection : {"0", "0:0"}) {
+        pid_t pid = session_process_id(std::stoi(cell(connection, TC_PID)));
+        if (pid > 0 && kill(pid, SIGKILL) == 0)
+            waitpid(pid, nullptr, 0);
+    }
+}
+
+void shell_window_test::open_main_window(shell_setup setup)
+{
+    shell_mode = setup.shell;
+    user_has_root = setup.admin;
+    allow_turnoff = setup.turnoff || setup.admin;
+    allow_reboot = setup.reboot || setup.admin;
+    build_main_window();
+    finish_main_window();
+    if (user_has_root)
+        add_advanced_button(nullptr);
+    show_main_window();
+    pump_events();
+}
+
+GtkTreeView* shell_window_test::view() const { return GTK_TREE_VIEW(find_widget(root_window, GTK_TYPE_TREE_VIEW)); }
+
+GtkTreeIter shell_window_test::row(const char* path) const
+{
+    GtkTreeIter iter{};
+    gtk_tree_model_get_iter_from_string(GTK_TREE_MODEL(current_user_connection_tree), &iter, path);
+    return iter;
+}
+
+std::string shell_window_test::cell(const char* path, int column) const
+{
+    GtkTreeIter iter = row(path);
+    return model_text(GTK_TREE_MODEL(current_user_connection_tree), &iter, column);
+}
+
+void ica_opener(GtkWidget*, GtkTreeModel*, GtkTreePath* path) { ica_dialog(path); }
+
+GtkWidget* named(GtkWidget* window, const char* name)
+{
+    GtkWidget* widget = window ? find_named_widget(window, name) : nullptr;
+    EXPECT_NE(widget, nullptr) << name;
+    return widget;
+}
+
+std::string text_of(GtkWidget* window, const char* name) { return gtk_entry_get_text(entry_of(named(window, name))); }
+
+void type_text(GtkWidget* window, const char* name, const std::string& text)
+{
+    GtkWidget* widget = named(window, name);
+    if (GTK_IS_COMBO_BOX(widget))
+        set_combo_text(widget, text);
+    else
+        gtk_entry_set_text(GTK_ENTRY(widget), text.c_str());
+}
+
+void set_box(GtkWidget* window, const char* name, bool on)
+{
+    gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(named(window, name)), on);
+}
+
+bool box_on(GtkWidget* window, const char* name) { return gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(named(window, name))); }
+
+bool sensitive(GtkWidget* window, const char* name) { return gtk_widget_is_sensitive(named(window, name)); }
+
+void click(GtkWidget* window, const char* label)
+{
+    GtkWidget* button = window ? find_button(window, label) : nullptr;
+    if (!button)
+        button = named(window, label);
+    if (button)
+        gtk_button_clicked(GTK_BUTTON(button));
+    pump_events(10);
+}
+
+void select_row(GtkWidget* window, const char* view, const char* path)
+{
+    GtkTreePath* at = gtk_tree_path_new_from_string(path);
+    gtk_tree_selection_select_path(gtk_tree_view_get_selection(GTK_TREE_VIEW(named(window, view))), at);
+    gtk_tree_path_free(at);
+}
+
+void screenshot_pages(GtkWidget* window, const char* notebook, const std::string& prefix)
+{
+    GtkNotebook* pages = GTK_NOTEBOOK(named(window, notebook));
+    for (int page = 0; page < gtk_notebook_get_n_pages(pages); ++page) {
+        gtk_notebook_set_current_page(pages, page);
+        save_screenshot(window, prefix + std::to_string(page + 1));
+    }
+}
+
+std::string choices(GtkWidget* window, const char* name)
+{
+    GtkWidget* widget = named(window, name);
+    return dump_model(GTK_IS_COMBO_BOX(widget) ? gtk_combo_box_get_model(GTK_COMBO_BOX(widget))
+                                               : gtk_tree_view_get_model(GTK_TREE_VIEW(widget)),
+                      {0});
+}
+
+std::string shown_values(GtkWidget* window)
+{
+    texts shown;
+    collect_shown(window, shown);
+    std::sort(shown.begin(), shown.end());
+    std::string text;
+    for (const std::string& item : shown)
+        text += (text.empty() ? "" : "; ") + item;
+    return text;
+}
+
+connection_record parse_row(const std::string& columns)
+{
+    connection_record record;
+    std::istringstream fields(columns);
+    for (int c = 0; c < MC_COUNT; ++c)
+        std::getline(fields, record[c], '|');
+    record.ping_first = record[MC_PING] == "TRUE";
+    record.from_file = record[MC_FROM_FILE] == "TRUE";
+    record[MC_PING] = record[MC_FROM_FILE] = "";
+    record[MC_PASSWORD] = pad_password(record[MC_PASSWORD], record[MC_NAME]);
+    return record;
+}
+
+std::string row_text(const connection_record& record)
+{
+    std::string text;
+    for (int c = 0; c < MC_COUNT; ++c) {
+        std::string column = record[c];
+        if (c == MC_PING || c == MC_FROM_FILE)
+            column = (c == MC_PING ? record.ping_first : record.from_file) ? "TRUE" : "FALSE";
+        else if (c == MC_PASSWORD)
+            column = unpad_password(column, record[MC_NAME]);
+        text += (c ? "|" : "") + column;
+    }
+    return text;
+}
+
+void admin_test::SetUp()
+{
+    for (const char* dir : {"etc/.kestrel", "home/admin", "home/bob"})
+        make_dirs(root / dir);
+    write_file(root / "etc/passwd",
+               "admin:x:" + std::to_string(getuid()) + ":0::/home/admin:/bin/sh\n"
+               "svc:x:5:5::/srv/data:/bin/sh\n"
+               "bob:x:1001:1001::/home/bob:/bin/sh\n"
+               "nobody:x:65534:65534::/home/nobody:/bin/sh\n"
+               "Zed:x:1002:1002::/var/lib/home-less:/bin/sh\n");
+    write_file(root / "etc/group", "root:x:0:admin\n");
+    fill_seedchars();
+    ica_dir = root / "etc/.kestrel";
+    wfclient_file = ica_dir + "/wfclient.ini";
+    ica_root = root / "opt/ICAClient";
+    current_user_name = selected_user_name = "admin";
+    current_user_filename = root / "home/admin/kestrel.inf";
+    show_gui = 1;
+    show_taskbar = kiosk_mode = shell_mode = 0;
+    das = firefox = user_has_root = x11_keymap = 1;
+    selected_user_connection_tree = create_user_tree_store();
+    rdesktop_keymap_list = make_keymap_list({{"xx", "Use Default"}, {"intl", "International Europe"},
+                                         {"de", "German (Germany)"}, {"da", "Danish"}});
+    keymap_list = make_keymap_list({{"us", "English (US)"}, {"de", "German"}, {"be", "belgian"}});
+    build_main_window();
+    finish_main_window();
+    add_advanced_button(G_CALLBACK(advanced_dialog));
+    show_main_window();
+    messages = std::make_unique<message_recorder>();
+}
+
+void admin_test::TearDown()
+{
+    messages.reset();
+    // The windows a test left open; state closes the main window and the shared dialogs.
+    // Held while the list is walked: destroying one window may destroy another.
+    GList* windows = gtk_window_list_toplevels();
+    g_list_foreach(windows, [](gpointer window, gpointer) { g_object_ref(window); }, nullptr);
+    for (GList* w = windows; w; w = w->next) {
+        GtkWidget* window = GTK_WIDGET(w->data);
+        if (window != root_window && window != error_dialog && window != reconnect_dialog &&
+            gtk_widget_get_visible(window))
+            gtk_widget_destroy(window);
+    }
+    g_list_free_full(windows, g_object_unref);
+    g_clear_object(&selected_user_connection_tree);
+    g_clear_object(&rdesktop_keymap_list);
+    g_clear_object(&keymap_list);
+}
+
+void admin_test::load(const std::string& master_list, const std::string& user_tree)
+{
+    write_file(root / "etc/.kestrel/kestrel.master", master_list);
+    write_file(current_user_filename, user_tree);
+    make_connection_list(master_connection_list, (root / "etc/.kestrel/kestrel.master").c_str(), 35);
+    make_connection_tree(current_user_connection_tree, current_user_filename.c_str(), 6);
+    make_connection_tree(selected_user_connection_tree, current_user_filename.c_str(), 6);
+}
+
+GtkWidget* admin_test::open_advanced()
+{
+    gtk_button_clicked(GTK_BUTTON(find_button(root_window, "Ad_vanced")));
+    pump_events();
+    return find_window("Advanced Configuration");
+}
+
+GtkWidget* admin_test::open(editor_opener opener, const char* title, const std::string& name,
+                            const std::string& type)
+{
+    GtkTreeIter iter;
+    GtkTreePath* path = nullptr;
+    if (!name.empty() && find_master_row(master_connection_list, name, type, &iter))
+        path = gtk_tree_model_get_path(GTK_TREE_MODEL(master_connection_list), &iter);
+    opener(nullptr, path ? GTK_TREE_MODEL(master_connection_list) : nullptr, path);
+    if (path)
+        gtk_tree_path_free(path);
+    pump_events(10);
+    return find_window(title);
+}
+
+connection_record admin_test::master_row(const std::string& name, const std::string& type) const
+{
+    GtkTreeIter iter;
+    if (!find_master_row(master_connection_list, name, type, &iter)) {
+        ADD_FAILURE() << "no master row " << name << "/" << type;
+        return {};
+    }
+    return read_master_row(GTK_TREE_MODEL(master_connection_list), &iter);
+}
+
+std::string admin_test::master_file() const { return read_file_text(root / "etc/.kestrel/kestrel.master"); }
+
+std::string admin_test::user_file(const std::string& user) const
+{
+    return read_file_text(root / ("home/" + user + "/kestrel.inf"));
 }

@@ -1,18 +1,16 @@
 // What every editor shares, run over all of them: the binding round trip and the
-// columns of a new connection. Each editor's own quirks are in its own file.
+// columns of a new connection; then the XDM and RDP editors' own rules (the ICA editor's
+// are in test_ica).
 #include "editors/editors.h"
-#include "gui/admin_fixture.h"
+#include "editors/rdp_editor.h"
+#include "gui/gui_support.h"
 #include "shell/globals.h"
 
 namespace {
 
-struct editor_case {
-    editor_opener opener;
-    const char* title;
-    const char* stored;    // 36 columns joined by "|" (see parse_row)
-    const char* shown;     // by the controls (see shown_values): a swapped column shows here
-    const char* expected;  // after the editor's Save
-};
+// The row stored as 36 columns joined by "|" (see parse_row), what the controls show (see
+// shown_values: a swapped column shows here) and the row after the editor's Save.
+struct editor_case { editor_opener opener; const char *title, *stored, *shown, *expected; };
 
 // Filled from the row and saved unchanged: the columns an editor owns come back as
 // stored, the others as the editor writes them, 0 to 4 and 35 as they were. The
@@ -57,8 +55,8 @@ TEST_F(admin_test, every_editor_saves_the_columns_it_shows_unchanged)
          "c24|c25|belgian|c27|c28|c29|c30|c31|c32|c33|c34|TRUE",
          "Direct; display=2; host=lab.example; keymap=belgian; name=Lab; vt=7",
          "Lab|XDM|TRUE|177|1|lab.example||Query|||||7|2|||||||||||||belgian|||||||0|0|TRUE"},
-        {xdm_dialog, "XDM connection",
-         "Odd|XDM|FALSE|0|3|x|c6|Indirect|c8|c9|c10|c11|vt9|12|c14|c15|c16|c17|c18|c19|c20|c21|c22|c23|c24|"
+        {xdm_dialog, "XDM connection",  // a mode word of another case is Indirect
+         "Odd|XDM|FALSE|0|3|x|c6|query|c8|c9|c10|c11|vt9|12|c14|c15|c16|c17|c18|c19|c20|c21|c22|c23|c24|"
          "c25|Klingon|c27|c28|c29|c30|c31|c32|c33|c34|FALSE",
          "Indirect; display=12; host=x; keymap=Klingon; name=Odd; vt=vt9",
          "Odd|XDM|FALSE|0|3|x||Indirect|||||vt9|12|||||||||||||Klingon|||||||0|0|FALSE"},
@@ -93,41 +91,148 @@ TEST_F(admin_test, every_editor_saves_the_columns_it_shows_unchanged)
     EXPECT_TRUE(messages->shown.empty());
 }
 
-// A new connection saved as the editor opens, and the keyboard lists it offers.
+// A new connection saved as the editor opens.
 TEST_F(admin_test, new_connections_are_saved_with_the_editors_defaults)
 {
-    const struct {
-        editor_opener opener;
-        const char* title;
-        const char* expected;
-        const char* list;  // a control whose choices come from a keyboard map list, or null
-        const char* choices;
-    } table[] = {
-        {other_dialog, "Other connection", "New|Other|FALSE|80|1|||||||||||||||||||||||||||||0|0|FALSE", nullptr, nullptr},
-        {rd_dialog, "rdesktop connection",
-         "New|RDP|TRUE|3389|1|||||||||Use Default|Use Default|Bring to this computer|||||||||||International Europe|"
-         "Modem (56 Kbps)|shared=/tmp/shared||LPT1=/dev/lp0|COM1=/dev/ttyS0||04608|0|FALSE",
-         "keyboard", "Use Default\nDanish\nGerman (Germany)\nInternational Europe\n"},
-        {xdm_dialog, "XDM connection",
-         "New|XDM|TRUE|0|1|||Indirect|||||Automatic|3|||||||||||||Use Local Settings|||||||0|0|FALSE",
-         "keymap", "Use Local Settings\nUse Server Settings\nbelgian\nEnglish (US)\nGerman\n"},
+    const std::pair<editor_opener, const char*> table[] = {
+        {other_dialog, "New|Other|FALSE|80|1|||||||||||||||||||||||||||||0|0|FALSE"},
+        {rd_dialog, "New|RDP|TRUE|3389|1|||||||||Use Default|Use Default|Bring to this computer|||||||||||"
+                    "International Europe|Modem (56 Kbps)|shared=/tmp/shared||LPT1=/dev/lp0|COM1=/dev/ttyS0||"
+                    "04608|0|FALSE"},
+        {xdm_dialog, "New|XDM|TRUE|0|1|||Indirect|||||Automatic|3|||||||||||||Use Local Settings|||||||0|0|FALSE"},
         // The designed flag word: server, compression, sound, default colour map and 1024.
-        {ica_opener, "ICA connection",
-         "New|ICA|TRUE|1494|1||Default|Default||||||Default|Default|Med|Disabled|2598|On|Basic||Default||||441|Off|"
-         "Auto||||||0|01065|FALSE",
-         nullptr, nullptr},
+        {ica_opener, "New|ICA|TRUE|1494|1||Default|Default||||||Default|Default|Med|Disabled|2598|On|Basic||"
+                     "Default||||441|Off|Auto||||||0|01065|FALSE"},
     };
-    for (const auto& c : table) {
-        GtkWidget* editor = open(c.opener, c.title);
-        ASSERT_NE(editor, nullptr) << c.title;
-        if (c.list) {
-            EXPECT_EQ(choices(editor, c.list), c.choices);
-        }
+    for (const auto& [opener, expected] : table) {
+        const std::string type = parse_row(expected)[MC_TYPE];
+        GtkWidget* editor = open(opener, ((type == "RDP" ? "rdesktop" : type) + " connection").c_str());
+        ASSERT_NE(editor, nullptr) << type;
         type_text(editor, "name", "New");
         click(editor, "_Save");
-        EXPECT_EQ(row_text(master_row("New", parse_row(c.expected)[MC_TYPE])), c.expected);
+        EXPECT_EQ(row_text(master_row("New", type)), expected);
     }
     EXPECT_TRUE(messages->shown.empty());
+}
+
+// The hosts offered are those of the XDM rows, each once whatever its case, descending;
+// how each stored mode shows is in the round trip of test_editors.
+TEST_F(admin_test, xdm_editor_query_modes_and_the_host_field)
+{
+    std::string rows;
+    for (const auto& [type, host] : {std::pair{"XDM", "b"}, {"XDM", "A"}, {"XDM", "a"}, {"RDP", "zz"}})
+        rows += master_record(std::string(type) + host, type, false, "0", {{5, host}});
+    load(master_text(rows));
+    GtkWidget* w = open(xdm_dialog, "XDM connection");
+    EXPECT_EQ(choices(w, "host"), "b\nA\n");
+    save_screenshot(w, "xdm_Indirect");
+    type_text(w, "host", "lab");
+    set_box(w, "Broadcast", true);
+    EXPECT_EQ(text_of(w, "host"), "");
+    EXPECT_FALSE(sensitive(w, "host"));
+    set_box(w, "Direct", true);
+    EXPECT_TRUE(sensitive(w, "host"));
+    set_box(w, "Broadcast", true);
+    type_text(w, "name", "Lab");
+    click(w, "_Save");
+    EXPECT_EQ(master_row("Lab", "XDM")[MC_XDM_MODE], "Broadcast");
+}
+
+class rdp_editor_test : public admin_test {
+protected:
+    GtkWidget* open_rdp(const std::string& name = "") { return open(rd_dialog, "rdesktop connection", name, "RDP"); }
+    GtkWidget* printers() const { return find_window("Printers"); }
+    GtkListStore* printer_table() const
+    {
+        return GTK_LIST_STORE(gtk_tree_view_get_model(GTK_TREE_VIEW(named(printers(), "printer_table"))));
+    }
+    void tick(const char* row) { rd_printcap_enable_cb(nullptr, const_cast<gchar*>(row), printer_table()); }
+    // The tick, the name and the driver of every printer row.
+    std::string printer_rows() const { return dump_model(GTK_TREE_MODEL(printer_table()), {0, 1, 2}); }
+};
+
+TEST_F(rdp_editor_test, presets_set_the_boxes_and_the_boxes_name_the_preset)
+{
+    GtkWidget* w = open_rdp();
+    screenshot_pages(w, "tabs", "rdp-editor-");
+    auto boxes = [&] {
+        std::string on;
+        for (const char* box : {"background", "dragging", "animation", "themes"})
+            on += box_on(w, box) ? "1" : "0";
+        return on;
+    };
+    EXPECT_EQ(text_of(w, "experience") + " " + boxes(), "Modem (56 Kbps) 0001");
+    // A preset chosen sets the boxes; a box changed names the preset the boxes make.
+    const struct { const char* control; const char* value; const char* shown; } steps[] = {
+        {"experience", "LAN (10 Mbps or higher)", "LAN (10 Mbps or higher) 1111"},
+        {"experience", "Modem (28.8 Kbps)", "Modem (28.8 Kbps) 0000"},
+        {"experience", "Broadband (128 Kbps - 1.5 Mbps)", "Broadband (128 Kbps - 1.5 Mbps) 0111"},
+        {"experience", "Custom", "Custom 0111"},
+        {"experience", "Modem (56 Kbps)", "Modem (56 Kbps) 0001"},
+        {"background", "on", "Custom 1001"},
+        {"themes", "off", "Custom 1000"},
+        {"background", "off", "Modem (28.8 Kbps) 0000"},
+        {"themes", "on", "Modem (56 Kbps) 0001"},
+        {"dragging", "on", "Custom 0101"},
+        {"animation", "on", "Broadband (128 Kbps - 1.5 Mbps) 0111"},
+        {"background", "on", "LAN (10 Mbps or higher) 1111"},
+    };
+    for (const auto& step : steps) {
+        if (std::string(step.control) == "experience")
+            type_text(w, "experience", step.value);
+        else
+            set_box(w, step.control, std::string(step.value) == "on");
+        EXPECT_EQ(text_of(w, "experience") + " " + boxes(), step.shown) << step.control << " " << step.value;
+    }
+    type_text(w, "name", "Fast");
+    click(w, "_Save");
+    EXPECT_EQ(master_row("Fast", "RDP")[MC_RDP_FLAGS], "05056");  // compression and all four
+}
+
+TEST_F(rdp_editor_test, printer_window_reads_printcap_and_fills_the_entry)
+{
+    GtkWidget* w = open_rdp();
+    set_box(w, "printers", true);
+    EXPECT_EQ(messages->shown, texts{"\nCouldn't open printcaps.\n"});
+    EXPECT_TRUE(box_on(w, "printers"));
+    set_box(w, "printers", false);
+
+    write_file(root / "etc/printcap",
+               "# printers\nlp|laser|Hall laser:\\\n\t:sd=/var/spool/lp:\ncolour:\nxlp:\nbig office:\n");
+    set_box(w, "printers", true);
+    ASSERT_NE(printers(), nullptr);
+    EXPECT_FALSE(gtk_widget_get_visible(w));
+    EXPECT_EQ(printer_rows(), "FALSE|lp|\nFALSE|colour|\nFALSE|xlp|\n");
+    save_screenshot(printers(), "rdp_printers");
+    click(printers(), "_Cancel");
+    EXPECT_FALSE(box_on(w, "printers")) << "Cancel before any Save turns the box off";
+    EXPECT_TRUE(gtk_widget_get_visible(w));
+
+    set_box(w, "printers", true);
+    tick("1");
+    tick("2");
+    rd_printcap_editable_cb(nullptr, const_cast<gchar*>("2"), const_cast<gchar*>("HP LaserJet 4"), printer_table());
+    click(printers(), "_Save");
+    EXPECT_EQ(text_of(w, "printers_value"), "colour=\"\",xlp=\"HP LaserJet 4\"");
+
+    // Reopened: the earlier choices come back, and lp is found inside "xlp=".
+    set_box(w, "printers", false);
+    set_box(w, "printers", true);
+    EXPECT_EQ(printer_rows(), "TRUE|lp|HP LaserJet 4\nTRUE|colour|\nTRUE|xlp|HP LaserJet 4\n");
+    click(printers(), "_Cancel");
+    EXPECT_TRUE(box_on(w, "printers")) << "Cancel after a Save keeps the box on";
+
+    set_box(w, "printers", false);
+    set_box(w, "printers", true);
+    for (const char* row : {"0", "1", "2"})
+        tick(row);
+    click(printers(), "_Save");
+    EXPECT_EQ(text_of(w, "printers_value"), "");
+    EXPECT_FALSE(box_on(w, "printers"));
+    type_text(w, "printers_value", "lp=\"kept only while on\"");
+    type_text(w, "name", "Printing");
+    click(w, "_Save");
+    EXPECT_EQ(master_row("Printing", "RDP")[MC_RDP_PRINTER], "");
 }
 
 }  // namespace

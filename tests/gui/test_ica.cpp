@@ -3,7 +3,7 @@
 #include "editors/binding.h"
 #include "editors/connect_info.h"
 #include "editors/editors.h"
-#include "gui/admin_fixture.h"
+#include "gui/gui_support.h"
 #include "ica/global_settings.h"
 #include "ica/paths.h"
 #include "platform/paths.h"
@@ -13,15 +13,8 @@ namespace {
 
 class ica_test : public admin_test {
 protected:
-    GtkWidget* open_ica(const std::string& name = "")
-    {
-        window = open(ica_opener, "ICA connection", name, "ICA");
-        return window;
-    }
+    GtkWidget* open_ica(const std::string& name = "") { return window = open(ica_opener, "ICA connection", name, "ICA"); }
     GtkWidget* w(const char* name) { return named(window, name); }
-    void set_on(const char* name, bool on = true) { set_box(window, name, on); }
-    bool sensitive(const char* name) { return ::sensitive(window, name); }
-    void type(const char* name, const char* text) { type_text(window, name, text); }
 
     GtkWidget* window = nullptr;
 };
@@ -29,15 +22,13 @@ protected:
 TEST_F(ica_test, controls_follow_their_rules)
 {
     ASSERT_TRUE(open_ica());
-    // The wfclient.ini that opening the editor made: no client copy, so the nine lines.
-    EXPECT_EQ(read_file_text(wfclient_file).substr(0, 24), "[WFClient]\nVersion = 2\n\n");
     screenshot_pages(window, "pages", "ica-editor-");
     // Which of these can be used, and the option bits, after each step.
     auto usable = [&] {
         std::string on;
         for (const char* name : {"seamless", "program", "workdir", "window-size", "mapping-Default", "sound-quality",
                                  "microphone", "reliability-port", "proxy-address", "proxy-port"})
-            on += sensitive(name) ? "1" : "0";
+            on += sensitive(window, name) ? "1" : "0";
         return on;
     };
     const struct { const char* control; const char* value; const char* usable; const char* flags; } steps[] = {
@@ -55,9 +46,9 @@ TEST_F(ica_test, controls_follow_their_rules)
     };
     for (const auto& step : steps) {
         if (std::string(step.value) == "on" || std::string(step.value) == "off")
-            set_on(step.control, std::string(step.value) == "on");
+            set_box(window, step.control, std::string(step.value) == "on");
         else
-            type(step.control, step.value);
+            type_text(window, step.control, step.value);
         EXPECT_EQ(usable(), step.usable) << step.control << " " << step.value;
         EXPECT_EQ(five_digits(connect_info.flags), step.flags) << step.control << " " << step.value;
     }
@@ -80,7 +71,7 @@ TEST_F(ica_test, refresh_lists_what_pnabrowse_writes)
     std::string& group = connect_info.text[MC_ICA_LOCATION];
     GtkTreeModel* choices = gtk_combo_box_get_model(GTK_COMBO_BOX(w("server")));
     group = "it's; touch " + root / "injected";
-    set_on("published-radio");
+    set_box(window, "published-radio", true);
     click(window, "refresh");
     EXPECT_EQ(read_file_text(root / "pnabrowse.args"), "-A\n" + group + "\n");
     EXPECT_FALSE(path_exists(root / "injected"));
@@ -90,7 +81,7 @@ TEST_F(ica_test, refresh_lists_what_pnabrowse_writes)
 
     for (const char* address : {"fail", "quiet"}) {
         group = address;
-        set_on("server-radio");
+        set_box(window, "server-radio", true);
         click(window, "refresh");
         EXPECT_EQ(read_file_text(root / "pnabrowse.args"), std::string("-S\n") + address + "\n");
     }
@@ -101,7 +92,7 @@ TEST_F(ica_test, refresh_lists_what_pnabrowse_writes)
 
 TEST_F(ica_test, server_location_custom_and_default_groups)
 {
-    load(master(record("Desk", "ICA", false, "1494", {{6, "srv1:1494"}, {7, "Default"}, {34, "01065"}})));
+    load(master_text(master_record("Desk", "ICA", false, "1494", {{6, "srv1:1494"}, {7, "Default"}, {34, "01065"}})));
     ASSERT_TRUE(open_ica("Desk"));
     EXPECT_STREQ(gtk_label_get_text(GTK_LABEL(w("primary-server"))), "Primary Server: srv1:1494");
     auto add = [&](const char* address, const char* port) {
@@ -157,9 +148,8 @@ TEST_F(ica_test, global_settings_pages_and_save)
     GtkWidget* settings = window = find_window("Settings");
     ASSERT_TRUE(settings);
     screenshot_pages(settings, "pages", "ica-global-");
-    EXPECT_EQ(combo_text(w("keyboard-layout")), "(User Profile)");
-    type("hotkey-key-1", "+");
-    type("hotkey-shift-15", "(none)");
+    type_text(window, "hotkey-key-1", "+");
+    type_text(window, "hotkey-shift-15", "(none)");
 
     GtkTreeView* drives = GTK_TREE_VIEW(w("drives"));
     GtkTreeModel* drive_model = gtk_tree_view_get_model(drives);
@@ -194,16 +184,6 @@ TEST_F(ica_test, global_settings_pages_and_save)
     EXPECT_TRUE(messages->shown.empty());
 }
 
-TEST_F(ica_test, missing_client_file_that_cannot_be_made)
-{
-    ica_dir = root / "no-such-dir";
-    wfclient_file = ica_dir + "/wfclient.ini";
-    EXPECT_FALSE(open_ica());
-    EXPECT_EQ(messages->shown, (std::vector<std::string>{
-                                  "\nCitrix wfclient.ini file not found and can't be created.\n",
-                                  "\nCouldn't create Citrix wfclient.ini file.\n"}));
-}
-
 // Pasted control characters scramble to anything, NUL included; Save must survive it.
 TEST_F(ica_test, any_password_is_saved)
 {
@@ -213,36 +193,14 @@ TEST_F(ica_test, any_password_is_saved)
         EXPECT_EXIT(
             {
                 open_ica();
-                type("name", "Desk");
-                type("password", password.c_str());
+                type_text(window, "name", "Desk");
+                type_text(window, "password", password.c_str());
                 click(window, "_Save");
                 std::exit(master_row("Desk", "ICA")[MC_NAME] == "Desk" ? 0 : 1);
             },
             ::testing::ExitedWithCode(0), "")
             << "password of " << password.size() << " characters";
     }
-}
-
-// Saved through the window, started as a user would: wfica gets the two files and the
-// connection's name, and appsrv.ini holds its section.
-TEST_F(ica_test, saved_connection_starts_wfica_on_its_section)
-{
-    ASSERT_TRUE(open_ica());
-    type("name", "Apps");
-    set_on("published-radio");
-    type("server", "Notepad");
-    type("username", "ann");
-    click(window, "_Save");
-    EXPECT_EQ(launch("Apps", "ICA"),
-              "wfica|wfica|-file|" + root / "etc/.kestrel/appsrv.ini" + "|-clientfile|" +
-                  root / "etc/.kestrel/wfclient.ini" + "|-desc|Apps\n");
-    EXPECT_EQ(read_file_text(root / "etc/.kestrel/appsrv.ini"),
-              "[WFClient]\nVersion=1\n\n[ApplicationServers]\nApps=\n"
-              "\n[Apps]\nWinStationDriver=ICA 3.0\nTransportDriver=TCP/IP\nDisableCtrlAltDel=On\n"
-              "EncryptionLevelSession=Basic\nCompress=On\nProxyUseDefault=On\nEnableAudioInput=No\n"
-              "AudioBandwidthLimit=1\nClientAudio=On\nZLMouseMode=2\nZLKeyboardMode=0\n"
-              "UseDefaultSettingForColormap=Yes\nAddress=Notepad\nTWIMode=On\n"
-              "InitialProgram=#Notepad\nUserName=ann\n");
 }
 
 }  // namespace

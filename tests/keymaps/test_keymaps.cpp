@@ -19,14 +19,7 @@ std::string rdesktop_rows()
     return std::accumulate(lines.begin(), lines.end(), std::string());
 }
 
-class keymaps_test : public testing::Test {
-protected:
-    void write(const std::string& name, const std::string& text) { write_file(root / name, text); }
-
-    temp_dir root;
-    scoped_root scope{root.path()};
-    message_recorder messages;
-};
+using keymaps_test = rooted_test;
 
 // A name ending in "/" is made a directory, which counts as a source that does not open.
 // The last case finds the list filled by the one before and must leave it empty.
@@ -45,11 +38,8 @@ TEST_F(keymaps_test, x_layouts_come_from_the_first_source_that_opens)
                                     "xkb_keymap \"de_CH  \"\t{\n// xkb_keymap without a name\n";
     const std::string xfce_text = "# keyboard layouts\nus \"English\"\nde   \"German\"   # comment\n"
                                   "fr \"French # Azerty\"\nnolayout\nbe \"Belgian\n";
-    const struct {
-        std::vector<std::pair<std::string, std::string>> files;
-        int result, x11;
-        std::string expected;
-    } cases[] = {
+    using file_list = std::vector<std::pair<std::string, std::string>>;
+    const struct { file_list files; int result, x11; std::string expected; } cases[] = {
         {{{rules, rules_text}, {keymap, keymap_text}, {xfce, xfce_text}}, 1, 1,
          "us|U.S. English\nde|German\nabcdefghijklmn|Fourteen\nxx|" + std::string(96, 'd') + "\nzz|zed\n"},
         {{{rules, "! model\n  us  U.S.\n"}, {xfce, xfce_text}}, 1, 1, ""},
@@ -84,7 +74,7 @@ TEST_F(keymaps_test, keymap_lst_names_then_built_in_names)
     EXPECT_EQ(rdesktop_keymap_dir, root / dir.substr(0, dir.size() - 1));
 
     for (const char* map : {"de", "fr", "nl", "nl-be", "xx", "zz", "common", "modifiers"})
-        write(dir + map, "include common\n");
+        write_file(root / (dir + map), "include common\n");
     const std::string built_in = "xx|Use Default\nde|German (Germany)\nfr|French (France)\n"
                                  "nl-be|Dutch (Netherlands)\nnl|Dutch (Belgium)\nxx|Use Default\nzz|zz\n";
     const std::pair<std::string, std::string> cases[] = {
@@ -98,7 +88,7 @@ TEST_F(keymaps_test, keymap_lst_names_then_built_in_names)
     };
     for (const auto& [list, expected] : cases) {
         std::filesystem::remove(root / (dir + "keymap.lst"));
-        list == "/" ? make_dirs(root / (dir + "keymap.lst")) : write(dir + "keymap.lst", list);
+        list == "/" ? make_dirs(root / (dir + "keymap.lst")) : write_file(root / (dir + "keymap.lst"), list);
         EXPECT_EQ(make_rdesktop_keymap(), 1);
         EXPECT_EQ(rdesktop_rows(), expected) << list;
     }
@@ -106,7 +96,7 @@ TEST_F(keymaps_test, keymap_lst_names_then_built_in_names)
 
 TEST_F(keymaps_test, read_file_reports_a_file_it_cannot_load)
 {
-    write("etc/present", "text");
+    write_file(root / "etc/present", "text");
     const std::string missing = root / "etc/missing";
     testing::internal::CaptureStdout();
     EXPECT_EQ(read_file((root / "etc/present").c_str()), 1);

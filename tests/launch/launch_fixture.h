@@ -29,17 +29,12 @@ inline connection_record make_record(const std::string& name, const std::string&
     return with_columns(record, values);
 }
 
-// A keyboard map list of (code, display name) rows.
-using keymap_rows = std::initializer_list<std::pair<const char*, const char*>>;
-
-inline GtkListStore* make_keymap_list(keymap_rows rows)
+// A keyboard map list of (code, display name) rows; the GUI tests use it too.
+inline GtkListStore* make_keymap_list(std::initializer_list<std::pair<const char*, const char*>> rows)
 {
     GtkListStore* list = gtk_list_store_new(2, G_TYPE_STRING, G_TYPE_STRING);
-    for (const auto& [code, name] : rows) {
-        GtkTreeIter iter;
-        gtk_list_store_append(list, &iter);
-        gtk_list_store_set(list, &iter, KM_CODE, code, KM_DESCRIPTION, name, -1);
-    }
+    for (const auto& [code, name] : rows)
+        gtk_list_store_insert_with_values(list, nullptr, -1, KM_CODE, code, KM_DESCRIPTION, name, -1);
     return list;
 }
 
@@ -69,7 +64,7 @@ private:
     std::string port_;
 };
 
-class rooted_log_test : public ::testing::Test {
+class rooted_log_test : public rooted_test {
 protected:
     void SetUp() override
     {
@@ -79,7 +74,4 @@ protected:
     void TearDown() override { log_close(); }
 
     std::string log_text() const { return read_file_text(root / "tmp/zarvoca.log"); }
-
-    temp_dir root;
-    scoped_root rooted{root.path()};
 };

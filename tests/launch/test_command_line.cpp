@@ -3,7 +3,6 @@
 #include "launch/password.h"
 #include "launch_fixture.h"
 #include "ica/paths.h"
-#include "launch/command_line.h"
 #include "shell/globals.h"
 #include "store/models.h"
 
@@ -11,7 +10,7 @@ namespace {
 
 using args = argument_vector;
 
-class command_line_test : public ::testing::Test {
+class command_line_test : public rooted_test {
 protected:
     void SetUp() override
     {
@@ -27,9 +26,6 @@ protected:
         x11_keymap = 1;
         x_setup_file.clear();
     }
-
-    temp_dir root;
-    scoped_root rooted{root.path()};
 };
 
 TEST_F(command_line_test, rdp_vectors)

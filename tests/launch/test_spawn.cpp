@@ -30,7 +30,7 @@ protected:
     void TearDown() override
     {
         setenv("PATH", old_path.c_str(), 1);
-        for (const char* name : {"LOG", "FAIL", "SLEEP_MS"})
+        for (const char* name : {"LOG", "SLEEP_MS"})
             unsetenv(("KEST_FAKE_" + std::string(name)).c_str());
         g_clear_object(&master_connection_list);
         g_clear_object(&current_user_connection_tree);
@@ -55,13 +55,11 @@ protected:
 
     // Starts the row and returns its child's exit status (-1: it did not exit), after checking
     // that the row names the child. A child that ends before spawn_connection looks is reaped
-    // there, its status lost: the launch is then made again, both logs put back as they were.
+    // there, its status lost: the launch is then made again, on a fresh fake log.
     int launch_and_wait(GtkTreeIter* iter)
     {
-        const off_t log_size = static_cast<off_t>(log_text().size());
         for (int attempt = 0; attempt < 50; ++attempt) {
             std::remove((root / "fake.log").c_str());
-            EXPECT_EQ(truncate((root / "tmp/zarvoca.log").c_str(), log_size), 0);
             gtk_tree_store_set(current_user_connection_tree, iter, TC_PID, "0", TC_STATUS,
                                "Not Connected", TC_POLLS, 3, -1);
             if (spawn_connection(tree(), iter) == 0)
@@ -82,7 +80,7 @@ protected:
     std::string old_path = std::getenv("PATH");
 };
 
-// The argument vector of every type, as its program receives it, is checked end to end
+// The argument vector of every type and the failed checks' log lines are checked end to end
 // (tests/e2e/automatic.sh); here the check before the start, and the exit statuses: 189,
 // no master row of exactly this name and type; 69, no session program started.
 TEST_F(spawn_test, each_check_comes_before_its_program_and_failures_end_with_their_status)
@@ -90,7 +88,6 @@ TEST_F(spawn_test, each_check_comes_before_its_program_and_failures_end_with_the
     const local_port open(true), closed(false);
     const std::string up = "http://127.0.0.1:" + std::string(open.port()) + "/x";
     const std::string down = "http://127.0.0.1:" + std::string(closed.port()) + "/x";
-    const std::string refused = "Connection to server 127.0.0.1 failed with error Connection refused (6f).\n";
     add_connection(make_record("Office", "RDP",
                                {{MC_PING_PORT, "0"}, {MC_SERVER, "ts:3390"}, {MC_USERNAME, "ann"},
                                 {MC_PASSWORD, "t`kber"}, {MC_RDP_FLAGS, "16384"},
@@ -100,25 +97,17 @@ TEST_F(spawn_test, each_check_comes_before_its_program_and_failures_end_with_the
     add_connection(make_record("Down", "Web", {{MC_PING_PORT, closed.port()}, {MC_SERVER, down.c_str()}}, true));
     for (const char* type : {"DAS", "Telnet"})
         add_connection(make_record("Office", type));
-    const struct { const char *name, *type; int status; std::string programs, log; } cases[] = {
-        {"Office", "RDP", 69, "ping|ping|-c|1|-q|ts\nrdesktop|rdesktop|-uann|-psecret|-T|My desk|ts:3390\n", ""},
-        {"Up", "Web", 0, "firefox|firefox|" + up + "\n", ""},
-        {"Down", "Web", 69, "", refused + "Ping exit code 6f\n"},
-        {"office", "RDP", 189, "", ""}, {"Office ", "RDP", 189, "", ""}, {"Office", "Web", 189, "", ""},
-        {"Office", "DAS", 69, "", ""}, {"Office", "Telnet", 69, "", ""},
+    const struct { const char *name, *type; int status; std::string programs; } cases[] = {
+        {"Office", "RDP", 69, "ping|ping|-c|1|-q|ts\nrdesktop|rdesktop|-uann|-psecret|-T|My desk|ts:3390\n"},
+        {"Up", "Web", 0, "firefox|firefox|" + up + "\n"}, {"Down", "Web", 69, ""},
+        {"office", "RDP", 189, ""}, {"Office ", "RDP", 189, ""}, {"Office", "Web", 189, ""},
+        {"Office", "DAS", 69, ""}, {"Office", "Telnet", 69, ""},
     };
     for (const auto& c : cases) {
-        const size_t before = log_text().size();
         GtkTreeIter iter = add_row(c.name, c.type);
         EXPECT_EQ(launch_and_wait(&iter), c.status) << c.name << "/" << c.type;
         EXPECT_EQ(fake_log(), c.programs) << c.name << "/" << c.type;
-        EXPECT_EQ(log_text().substr(before), c.log) << c.name << "/" << c.type;
     }
-    setenv("KEST_FAKE_FAIL", "ping", 1);
-    GtkTreeIter office = add_row("Office", "RDP");
-    EXPECT_EQ(launch_and_wait(&office), 69);
-    EXPECT_EQ(fake_log(), "ping|ping|-c|1|-q|ts\n");
-    EXPECT_TRUE(log_text().ends_with("Ping exit code 100\n"));
 }
 
 TEST_F(spawn_test, session_programs_inherit_only_what_is_not_close_on_exec)

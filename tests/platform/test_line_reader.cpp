@@ -25,13 +25,7 @@ TEST(line_reader, long_lines_line_ends_and_the_end_of_the_file)
 {
     const std::string a(100, 'a'), b(100, 'b');
     const std::string file = a + "aaaaa\nshort\n" + b + "bbb\nlast\n";
-    const struct {
-        std::string contents;
-        long_line mode;
-        bool chop;
-        int count;
-        std::string expected;
-    } cases[] = {
+    const struct { std::string contents; long_line mode; bool chop; int count; std::string expected; } cases[] = {
         // Master list and user tree: the first long line loses its rest, a later one does not.
         {file, long_line::skip_once, true, 5, a + "|short|" + b + "|bb|last|"},
         // A line of exactly 101 characters and its line end counts as long.

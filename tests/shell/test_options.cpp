@@ -16,12 +16,9 @@ using flags = std::array<int, 3>;  // shell_mode, show_taskbar, kiosk_mode
 void set_flags(flags f) { std::tie(shell_mode, show_taskbar, kiosk_mode) = std::tuple_cat(f); }
 flags current_flags() { return {shell_mode, show_taskbar, kiosk_mode}; }
 
-class options_test : public ::testing::Test {
+class options_test : public rooted_test {
 protected:
     options_test() { make_dirs(root / "tmp"); }
-
-    temp_dir root;
-    scoped_root rooted{root.path()};
     const std::string options_path = root / "etc/zarvooptions";
     const std::string temp_path = root / "tmp/zarvooptions.tmp";
 };
@@ -57,11 +54,7 @@ TEST_F(options_test, reading_tests_lower_case_substrings_and_the_last_match_wins
 TEST_F(options_test, writing_replaces_key_lines_keeps_the_others_and_appends_missing_keys)
 {
     const std::string long_line = std::string(120, 'a') + "\n";
-    const struct {
-        std::string before;
-        flags set;
-        std::string after;
-    } table[] = {
+    const struct { std::string before; flags set; std::string after; } table[] = {
         {"ZARVOSHELL=/usr/bin/kestrelle\nSHOW_TASKBAR=FALSE\nLANG=C\nKiosk_Browser=true\n",
          {1, 1, 0},
          "ZARVOSHELL=/usr/bin/kestrelle\nSHOW_TASKBAR=TRUE\nLANG=C\nKiosk_Browser=FALSE\n"},
@@ -76,7 +69,7 @@ TEST_F(options_test, writing_replaces_key_lines_keeps_the_others_and_appends_mis
     for (const auto& e : table) {
         write_file(options_path, e.before);
         set_flags(e.set);
-        message_recorder messages;
+        messages.shown.clear();
         write_zarvooptions();
         EXPECT_EQ(read_file_text(options_path), e.after);
         EXPECT_TRUE(messages.shown.empty()) << e.before;
@@ -102,7 +95,7 @@ TEST_F(options_test, failures_leave_the_file_and_say_why)
         write_file(options_path, original);
         arrange();
         set_flags({0, 1, 1});
-        message_recorder messages;
+        messages.shown.clear();
         write_zarvooptions();
         setenv("PATH", path.c_str(), 1);
         EXPECT_EQ(read_file_text(options_path), original);
@@ -112,7 +105,6 @@ TEST_F(options_test, failures_leave_the_file_and_say_why)
 
 TEST_F(options_test, without_an_options_file_nothing_is_read_or_written)
 {
-    message_recorder messages;
     set_flags({0, 1, 0});
     for (bool as_directory : {false, true}) {  // a directory holds no settings either
         if (as_directory)
@@ -131,10 +123,7 @@ TEST_F(options_test, the_icewm_taskbar_line_follows_the_flag_on_debian_only)
     const std::string preferences = root / "etc/X11/icewm/preferences";
     const std::string before =
         "TaskBarClock=1\nShowTaskBar=0 # hidden\nTheme=\"x\"\n# ShowTaskBar\n";
-    const struct {
-        int debian_flag, show;
-        const char* after;
-    } table[] = {
+    const struct { int debian_flag, show; const char* after; } table[] = {
         {1, 1, "TaskBarClock=1\nShowTaskBar=1\nTheme=\"x\"\nShowTaskBar=1\n"},
         {1, 0, "TaskBarClock=1\nShowTaskBar=0\nTheme=\"x\"\nShowTaskBar=0\n"},
         {0, 1, "TaskBarClock=1\nShowTaskBar=0 # hidden\nTheme=\"x\"\n# ShowTaskBar\n"},

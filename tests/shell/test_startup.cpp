@@ -8,17 +8,13 @@
 
 namespace {
 
-TEST(startup, rights_come_from_member_lists_and_primary_group_zero)
+using startup = rooted_test;
+
+TEST_F(startup, rights_come_from_member_lists_and_primary_group_zero)
 {
-    temp_dir root;
-    scoped_root rooted(root.path());
     write_file(root / "etc/group",
                "root:x:0:ada\nshutdown:x:70:sam\nturnoff:x:71:tom,rex\nreboot:x:72:rex,ray\nusers:x:100:\n");
-    struct expectation {
-        const char* user;
-        gid_t group;
-        bool root, turnoff, reboot;
-    } table[] = {
+    struct expectation { const char* user; gid_t group; bool root, turnoff, reboot; } table[] = {
         {"ada", 100, true, true, true},    // listed in "root"
         {"sam", 100, false, true, true},   // "shutdown": both machine rights
         {"tom", 100, false, true, false},  // "turnoff" only
@@ -35,16 +31,13 @@ TEST(startup, rights_come_from_member_lists_and_primary_group_zero)
     }
 }
 
-TEST(startup, the_last_existing_citrix_and_x_config_win_the_first_xsetup_wins)
+TEST_F(startup, the_last_existing_citrix_and_x_config_win_the_first_xsetup_wins)
 {
-    temp_dir root;
-    scoped_root rooted(root.path());
     for (const char* dir : {"opt/ICAClient", "usr/lib/ICAClient"})
         make_dirs(root / dir);
     for (const char* file : {"etc/X11/XF86Config-4", "etc/X11/XOrg.conf", "etc/X11/xdm/Xsetup",
                              "etc/X11/wdm/Xsetup", "opt/zarvo/marrow"})
         write_file(root / file, "");
-    message_recorder messages;
     unsetenv("ICAROOT");
     find_citrix_client();
     find_x_files();

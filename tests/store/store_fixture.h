@@ -7,7 +7,7 @@
 #include "store/record.h"
 #include "support/test_support.h"
 
-class store_test : public ::testing::Test {
+class store_test : public rooted_test {
 protected:
     void SetUp() override
     {
@@ -30,21 +30,6 @@ protected:
         master_connection_list = nullptr;
     }
 
-    // A master record: name, type, ping text, then columns 3 to 34 (missing ones empty).
-    static std::string record_lines(const std::string& name, const std::string& type,
-                                    const std::string& ping = "Don't ping",
-                                    std::vector<std::string> rest = {})
-    {
-        rest.resize(32);
-        std::string text = name + "\n" + type + "\n" + ping + "\n";
-        for (const std::string& value : rest)
-            text += value + "\n";
-        return text;
-    }
-    static std::string header(const std::string& gui = "Show GUI")
-    {
-        return "Version 1.000\n" + gui + "\nDon't show taskbar\nNot kiosk\n";
-    }
     void add_master(const std::string& name, const std::string& type)
     {
         connection_record record;
@@ -52,8 +37,4 @@ protected:
         record[MC_TYPE] = type;
         insert_master_row(master_connection_list, -1, record);
     }
-
-    temp_dir root;
-    scoped_root rooted{root.path()};
-    message_recorder messages;
 };

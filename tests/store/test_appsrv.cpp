@@ -121,7 +121,6 @@ TEST(appsrv, single_keys)
          "DisableCtrlAltDel=On\nLocHttpBrowserAddress=Default\nBrowserProtocol=HTTPonTCP\n"},
         {{{MC_COLOURS, "16"}, {MC_ICA_MASK, "768"}}, "DesiredColor=1\nUseDefault"},
         {{{MC_COLOURS, "256"}, {MC_ICA_MASK, "512"}}, "DesiredColor=2\nApproximateColors=Off\nUse"},
-        {{{MC_ICA_MASK, "2"}, {MC_SERVER, "Mail"}}, "$No\nAddress=Mail\nInitialProgram=#Mail\n"},
         {{{MC_ICA_MASK, "2"}, {MC_SERVER, ""}, {MC_PROGRAM, "x.exe"}}, "$No\nAddress=\n"},
         {{{MC_ICA_MASK, "2048"}}, "$No\nAddress=citrix1\n"},
         {{{MC_WINDOW_SIZE, "50%x%"}}, "$No\nScreenPercent=50\nAddress=citrix1\n"},

@@ -2,8 +2,6 @@
 
 #include "store_fixture.h"
 
-#include <random>
-
 namespace {
 
 class master_file_test : public store_test {
@@ -24,27 +22,27 @@ protected:
 
 TEST_F(master_file_test, loads_every_column_and_the_header_rules)
 {
-    std::vector<std::string> rest;
-    for (int c = 3; c < 35; ++c)
-        rest.push_back("column " + std::to_string(c));
-    load(header("Don't show GUI") + record_lines("Desk", "RDP", "Standard echo", rest));
+    std::map<int, std::string> columns;
+    for (int c = 4; c < 35; ++c)
+        columns[c] = "column " + std::to_string(c);
+    load(master_text(master_record("Desk", "RDP", true, "column 3", columns), "Don't show GUI"));
     EXPECT_EQ(rows(), "Desk|RDP\n");
     EXPECT_TRUE(row(0).ping_first && row(0).from_file);
     for (int c = 3; c < 35; ++c)
-        EXPECT_EQ(row(0)[c], rest[c - 3]);
+        EXPECT_EQ(row(0)[c], "column " + std::to_string(c));
     EXPECT_EQ(show_gui, 0);
 
     gtk_list_store_clear(master_connection_list);
     load("");
     EXPECT_EQ(show_gui, 1) << "an empty file still shows the window";
     show_gui = 0;
-    load("Version 1.001\nShow GUI\nShow taskbar\nKiosk\n" + record_lines("A", "RDP"));
+    load("Version 1.001\nShow GUI\nShow taskbar\nKiosk\n" + master_record("A", "RDP", false, ""));
     EXPECT_EQ(messages.shown, std::vector<std::string>{"\nMaster connection list version miscompare.\n"});
     EXPECT_EQ(show_gui, 0) << "a wrong version touches no global";
     EXPECT_EQ(rows(), "");
 
     show_gui = 1;
-    load(header("show gui") + record_lines("A", "Web", "standard echo"));
+    load(master_text("A\nWeb\nstandard echo\n" + std::string(32, '\n'), "show gui"));
     EXPECT_EQ(show_gui, 0) << "the GUI line is compared exactly";
     EXPECT_FALSE(row(0).ping_first) << "the ping line is compared exactly";
     make_connection_list(master_connection_list, (root / "none").c_str(), 35);
@@ -54,10 +52,7 @@ TEST_F(master_file_test, loads_every_column_and_the_header_rules)
 // Types number the records in file order; rows already in the list have type "old".
 TEST_F(master_file_test, orders_by_name_without_case_and_equal_names_in_file_order)
 {
-    const struct {
-        std::vector<std::string> present, file;
-        std::string expected;
-    } cases[] = {
+    const struct { std::vector<std::string> present, file; std::string expected; } cases[] = {
         {{}, {"beta", "Alpha", "alpha", "Desk", "Desk"}, "Alpha|1\nalpha|2\nbeta|0\nDesk|3\nDesk|4\n"},
         // "a\t" sorts before "a\n" but after "a": the list is no longer sorted, and each
         // name still goes before the first row that is not less than it.
@@ -68,42 +63,20 @@ TEST_F(master_file_test, orders_by_name_without_case_and_equal_names_in_file_ord
         gtk_list_store_clear(master_connection_list);
         for (const std::string& name : c.present)
             add_master(name, "old");
-        std::string text = header();
+        std::string text = master_text("");
         for (size_t i = 0; i < c.file.size(); ++i)
-            text += record_lines(c.file[i], std::to_string(i));
+            text += master_record(c.file[i], std::to_string(i), false, "");
         load(text);
         EXPECT_EQ(rows(), c.expected);
     }
 }
 
-// The loader places rows by bisection; on names like these the list is not sorted, and
-// it must still give the order of the row-by-row walk of the table above.
-TEST_F(master_file_test, matches_the_row_by_row_walk_on_random_names)
-{
-    std::mt19937 random(7);
-    std::string text = header();
-    std::vector<std::string> expected;
-    for (int i = 0; i < 300; ++i) {
-        std::string name;
-        for (int n = 1 + random() % 3; n > 0; --n)
-            name += "aAbB\t!~"[random() % 7];
-        text += record_lines(name, std::to_string(i));
-        expected.insert(std::find_if(expected.begin(), expected.end(), [&](const std::string& row) {
-            return g_ascii_strcasecmp(row.substr(0, row.find('|')).c_str(), (name + "\n").c_str()) >= 0;
-        }), name + "|" + std::to_string(i) + "\n");
-    }
-    load(text);
-    EXPECT_EQ(rows(), std::accumulate(expected.begin(), expected.end(), std::string()));
-}
-
 TEST_F(master_file_test, over_long_lines_and_a_cut_last_record)
 {
-    std::vector<std::string> rest(32);
-    rest[2] = std::string(150, 'x');  // column 5
-    rest[5] = std::string(110, 'y');  // column 8: its rest becomes column 9, and the record shifts
-    load(header() + record_lines("A", "RDP", "Don't ping", rest));
-    // The shifted record leaves its last line over: it becomes a record of its own.
-    ASSERT_EQ(rows(), "|\nA|RDP\n");
+    // Column 8's rest becomes column 9, and the record shifts.
+    load(master_text(master_record("A", "RDP", false, "", {{5, std::string(150, 'x')}, {8, std::string(110, 'y')}})));
+    // The shifted record leaves its last line ("0") over: it becomes a record of its own.
+    ASSERT_EQ(rows(), "0|\nA|RDP\n");
     EXPECT_EQ(row(1)[MC_SERVER], std::string(100, 'x'));
     EXPECT_EQ(row(1)[MC_PROGRAM], std::string(100, 'y'));
     EXPECT_EQ(row(1)[MC_WORKDIR], std::string(9, 'y')) << "the second long line is not skipped";
@@ -112,7 +85,7 @@ TEST_F(master_file_test, over_long_lines_and_a_cut_last_record)
     // A file cut after the type line still gives its record (what the reader keeps of a
     // cut line is the line reader's rule).
     gtk_list_store_clear(master_connection_list);
-    load(header() + "Cut\nRDPX");
+    load(master_text("Cut\nRDPX"));
     EXPECT_EQ(rows(), "Cut|RDP\n");
 }
 }  // namespace

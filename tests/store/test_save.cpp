@@ -3,9 +3,6 @@
 #include "store/master_file.h"
 #include "store_fixture.h"
 
-#include <sched.h>
-#include <sys/mount.h>
-
 namespace {
 
 class save_test : public store_test {
@@ -83,31 +80,4 @@ TEST_F(save_test, an_appsrv_write_error_keeps_the_new_master_file)
     EXPECT_EQ(master_text(), "Version 1.000\nShow GUI\nDon't show taskbar\nNot kiosk\nIntranet\n" + web_record);
 }
 
-// The save runs in a child process whose root folder is a small file system of its own
-// (mounting one needs root); the child's exit status tells the outcome.
-TEST_F(save_test, a_full_disk_restores_the_backup)
-{
-    for (int i = 0; i < 2000; ++i)
-        add_web("Site" + std::to_string(i));
-    const pid_t child = fork();
-    if (child == 0) {
-        if (unshare(CLONE_NEWNS) != 0 || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-            mount("tmpfs", root.path().c_str(), "tmpfs", 0, "size=32k") != 0)
-            _exit(2);
-        make_dirs(root / "tmp/.kestrel");
-        write_file(root / "etc/.kestrel/kestrel.master", header());
-        save_master_connections();
-        const std::string report = (messages.shown.empty() ? "no message" : messages.shown[0]) + "|" + master_text();
-        const bool restored =
-            report == "\nError writing master connection list.\n\nBackup file has been restored.\n|" + header();
-        if (!restored)
-            std::fprintf(stderr, "child saw: %s\n", report.c_str());
-        _exit(restored ? 0 : 1);
-    }
-    int status = 0;
-    ASSERT_EQ(waitpid(child, &status, 0), child);
-    if (WIFEXITED(status) && WEXITSTATUS(status) == 2)
-        GTEST_SKIP() << "mounting a small file system needs root";
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "see the child's report above";
-}
 }  // namespace

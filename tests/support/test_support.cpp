@@ -90,6 +90,22 @@ std::string dump_model(GtkTreeModel* model, std::initializer_list<int> columns)
     return dump_rows(model, nullptr, columns, "");
 }
 
+std::string master_text(const std::string& records, const std::string& gui)
+{
+    return "Version 1.000\n" + gui + "\nDon't show taskbar\nNot kiosk\n" + records;
+}
+
+std::string master_record(const std::string& name, const std::string& type, bool ping, const std::string& port,
+                          const std::map<int, std::string>& columns)
+{
+    std::string lines = name + "\n" + type + "\n" + (ping ? "Standard echo" : "Don't ping") + "\n" + port + "\n";
+    for (int c = 4; c < 35; ++c) {
+        auto given = columns.find(c);
+        lines += (given != columns.end() ? given->second : c == 4 ? "1" : c >= 33 ? "0" : "") + "\n";
+    }
+    return lines;
+}
+
 namespace {
 message_recorder* active_recorder = nullptr;
 

@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <functional>
 #include <initializer_list>
+#include <map>
 #include <numeric>
 #include <string>
 #include <sys/stat.h>
@@ -54,6 +55,13 @@ void make_dirs(const std::string& path);
 // indented by two spaces, the given columns joined by "|" (flags as TRUE or FALSE).
 std::string dump_model(GtkTreeModel* model, std::initializer_list<int> columns);
 
+// A master list as its file holds it: the header, then the records.
+std::string master_text(const std::string& records, const std::string& gui = "Show GUI");
+// A master record's 35 lines: name, type, the ping line, the port, then columns 4 to 34,
+// "" unless given but 4 "1" and 33 and 34 "0", as an editor writes a new connection.
+std::string master_record(const std::string& name, const std::string& type, bool ping, const std::string& port,
+                          const std::map<int, std::string>& columns = {});
+
 // Records every text shown through the error dialog while it lives.
 class message_recorder {
 public:
@@ -63,4 +71,13 @@ public:
     std::vector<std::string> shown;
     // The last text set, shown or not.
     std::string label;
+};
+
+// The fixture of the tests that touch files: a private root that KESTRELLE_ROOT points at,
+// and the messages shown meanwhile.
+class rooted_test : public ::testing::Test {
+protected:
+    temp_dir root;
+    scoped_root rooted{root.path()};
+    message_recorder messages;
 };
