@@ -106,7 +106,8 @@ GtkTreeStore* create_user_tree_store();
 
 connection_record read_master_row(GtkTreeModel* model, GtkTreeIter* iter);
 void write_master_row(GtkListStore* store, GtkTreeIter* iter, const connection_record& record);
-// Inserts a new row at position (-1 appends) with all its columns at once.
+// Inserts a new row at position (-1 appends) with all its columns at once; empty text
+// columns are left unset, which reads as "".
 void insert_master_row(GtkListStore* store, int position, const connection_record& record);
 tree_row read_tree_row(GtkTreeModel* model, GtkTreeIter* iter);
 void write_tree_row(GtkTreeStore* store, GtkTreeIter* iter, const tree_row& row);
