@@ -164,6 +164,10 @@ int spawn_connection(GtkTreeModel* model, GtkTreeIter* iter)
         return 0;
     // Output still buffered in our streams would otherwise be written by the child too.
     std::fflush(nullptr);
+    // The child finds its connection through the master list's index: bring it up to
+    // date once here rather than in every child.
+    if (master_connection_list)
+        prepare_master_index(master_connection_list);
     const sigset_t previous_mask = block_termination_signals();
     const pid_t pid = fork();
     if (pid == 0) {

@@ -2,9 +2,13 @@
 
 #include "platform/message.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <memory>
+#include <string_view>
+#include <vector>
 
 namespace {
 
@@ -204,12 +208,121 @@ unsigned long decimal_column(const std::string& text)
     return static_cast<unsigned long>(std::strtol(text.c_str(), nullptr, 10));
 }
 
+namespace {
+
+// The (name, type) pairs of a master list with their rows, so that a look-up (every row
+// of a user file, every launch) needs no walk over the whole list. Only hashes and row
+// references are kept, in list order; a candidate row is compared in the list itself.
+// The index lives with the list and is built on the first look-up after any change of
+// the list; its change handlers are connected only while it is current, so that
+// filling a list costs nothing here.
+class master_row_index {
+public:
+    // Freed with its list, whose signal handlers are gone by then.
+    explicit master_row_index(GtkListStore* list) : list_(list) {}
+
+    bool find(const std::string& name, const std::string& type, GtkTreeIter* found)
+    {
+        if (!current_)
+            build();
+        const size_t hash = pair_hash(name, type);
+        auto candidate = std::lower_bound(rows_.begin(), rows_.end(), hash,
+                                          [](const entry& e, size_t h) { return e.hash < h; });
+        for (; candidate != rows_.end() && candidate->hash == hash; ++candidate) {
+            GtkTreeIter iter = candidate->iter;
+            if (row_is(&iter, name, type)) {
+                if (found)
+                    *found = iter;
+                return true;
+            }
+        }
+        return false;
+    }
+
+    void prepare()
+    {
+        if (!current_)
+            build();
+    }
+
+private:
+    struct entry {
+        size_t hash;
+        GtkTreeIter iter;
+    };
+
+    static size_t pair_hash(std::string_view name, std::string_view type)
+    {
+        const size_t h = std::hash<std::string_view>{}(name);
+        return h ^ (std::hash<std::string_view>{}(type) + 0x9e3779b97f4a7c15ULL + (h << 6) + (h >> 2));
+    }
+
+    bool row_is(GtkTreeIter* iter, const std::string& name, const std::string& type) const
+    {
+        gchar* row_name = nullptr;
+        gchar* row_type = nullptr;
+        gtk_tree_model_get(GTK_TREE_MODEL(list_), iter, MC_NAME, &row_name, MC_TYPE, &row_type, -1);
+        const bool same = name == (row_name ? row_name : "") && type == (row_type ? row_type : "");
+        g_free(row_name);
+        g_free(row_type);
+        return same;
+    }
+
+    void build()
+    {
+        rows_.clear();
+        GtkTreeModel* model = GTK_TREE_MODEL(list_);
+        GtkTreeIter iter;
+        for (bool more = gtk_tree_model_get_iter_first(model, &iter); more;
+             more = gtk_tree_model_iter_next(model, &iter)) {
+            gchar* name = nullptr;
+            gchar* type = nullptr;
+            gtk_tree_model_get(model, &iter, MC_NAME, &name, MC_TYPE, &type, -1);
+            rows_.push_back({pair_hash(name ? name : "", type ? type : ""), iter});
+            g_free(name);
+            g_free(type);
+        }
+        // Equal hashes keep list order, so the first matching row is the one a walk finds.
+        std::stable_sort(rows_.begin(), rows_.end(),
+                         [](const entry& a, const entry& b) { return a.hash < b.hash; });
+        for (const char* signal : {"row-inserted", "row-changed", "row-deleted", "rows-reordered"})
+            g_signal_connect_swapped(list_, signal, G_CALLBACK(changed_cb), this);
+        current_ = true;
+    }
+
+    void forget()
+    {
+        if (current_)
+            g_signal_handlers_disconnect_by_data(list_, this);
+        current_ = false;
+    }
+
+    static void changed_cb(master_row_index* index) { index->forget(); }
+
+    GtkListStore* list_;
+    std::vector<entry> rows_;
+    bool current_ = false;
+};
+
+constexpr const char* master_index_key = "kestrelle-master-index";
+
+master_row_index& index_of(GtkListStore* list)
+{
+    auto* index = static_cast<master_row_index*>(g_object_get_data(G_OBJECT(list), master_index_key));
+    if (!index) {
+        index = new master_row_index(list);
+        g_object_set_data_full(G_OBJECT(list), master_index_key, index,
+                               [](gpointer data) { delete static_cast<master_row_index*>(data); });
+    }
+    return *index;
+}
+
+}  // namespace
+
 bool find_master_row(GtkListStore* list, const std::string& name, const std::string& type,
                      GtkTreeIter* found)
 {
-    locate_key key{name.c_str(), type.c_str(), {}, FALSE};
-    gtk_tree_model_foreach(GTK_TREE_MODEL(list), locate_in_list, &key);
-    if (key.found && found)
-        *found = key.iter;
-    return key.found;
+    return index_of(list).find(name, type, found);
 }
+
+void prepare_master_index(GtkListStore* list) { index_of(list).prepare(); }

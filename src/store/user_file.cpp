@@ -9,41 +9,12 @@
 #include <algorithm>
 #include <cstring>
 #include <vector>
-#include <string_view>
-#include <unordered_set>
 
 namespace {
 
 constexpr const char* true_text = "TRUE";
 constexpr const char* false_text = "FALSE";
 constexpr int current_lines_per_row = 6;
-
-// The (name, type) pairs of the master list, so that every row of a user file is
-// checked in constant time rather than by a walk over the whole list.
-class master_index {
-public:
-    explicit master_index(GtkListStore* list)
-    {
-        if (!list)
-            return;
-        GtkTreeModel* model = GTK_TREE_MODEL(list);
-        GtkTreeIter iter;
-        for (bool more = gtk_tree_model_get_iter_first(model, &iter); more;
-             more = gtk_tree_model_iter_next(model, &iter))
-            pairs_.insert(key(model_text(model, &iter, MC_NAME), model_text(model, &iter, MC_TYPE)));
-    }
-    bool contains(const std::string& name, const std::string& type) const
-    {
-        return pairs_.count(key(name, type)) > 0;
-    }
-
-private:
-    static std::string key(const std::string& name, const std::string& type)
-    {
-        return name + '\0' + type;
-    }
-    std::unordered_set<std::string> pairs_;
-};
 
 // A flag line: anything but "TRUE" (a hand-edited or truncated file) counts as FALSE,
 // so that nobody's session is started or kept alive without having been flagged.
@@ -133,7 +104,6 @@ void make_connection_tree(GtkTreeStore* tree, const char* path, int lines_per_ro
         std::rewind(file.get());
     }
 
-    master_index master(master_connection_list);
     bool needs_parent = true;
     std::vector<primary_group> groups;
     while (reader.read_chopped()) {
@@ -146,7 +116,8 @@ void make_connection_tree(GtkTreeStore* tree, const char* path, int lines_per_ro
         if (needs_parent)
             row.primary = true;
         bool top_level = starts_primary || needs_parent;
-        needs_parent = !master.contains(row.name, row.type);
+        needs_parent = !master_connection_list ||
+                       !find_master_row(master_connection_list, row.name, row.type, nullptr);
         if (needs_parent)
             continue;
         if (top_level)

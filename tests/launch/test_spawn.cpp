@@ -8,6 +8,7 @@
 #include "store/models.h"
 
 #include <fcntl.h>
+#include <functional>
 
 namespace {
 
@@ -119,6 +120,31 @@ TEST_F(spawn_test, each_check_comes_before_its_program_and_failures_end_with_the
     EXPECT_EQ(launch_and_wait(&office), 69);
     EXPECT_EQ(fake_log(), "ping|ping|-c|1|-q|ts\n");
     EXPECT_TRUE(log_text().ends_with("Ping exit code 100\n"));
+}
+
+// The child finds its connection through an index of the master list: every change of the
+// list is seen by the next launch, and of two rows of one name and type the first is used.
+TEST_F(spawn_test, each_launch_sees_the_master_list_as_it_is_now)
+{
+    GtkTreeIter row = add_connection(make_record("Intranet", "Web", {{MC_SERVER, "one"}}));
+    const auto first_master_row = [] {
+        GtkTreeIter iter;
+        gtk_tree_model_get_iter_first(GTK_TREE_MODEL(master_connection_list), &iter);
+        return iter;
+    };
+    const struct { const char* step; std::function<void()> change; int status; const char* programs; } steps[] = {
+        {"as added", [] {}, 0, "firefox|firefox|one\n"},
+        {"deleted", [&] { GtkTreeIter it = first_master_row(); gtk_list_store_remove(master_connection_list, &it); }, 189, ""},
+        {"added as RDP", [] { insert_master_row(master_connection_list, -1, make_record("Intranet", "RDP")); }, 189, ""},
+        {"its type made Web", [&] { GtkTreeIter it = first_master_row(); gtk_list_store_set(master_connection_list, &it, MC_TYPE, "Web", MC_SERVER, "two", -1); }, 0, "firefox|firefox|two\n"},
+        {"a second row", [] { insert_master_row(master_connection_list, -1, make_record("Intranet", "Web", {{MC_SERVER, "three"}})); }, 0, "firefox|firefox|two\n"},
+        {"the first deleted", [&] { GtkTreeIter it = first_master_row(); gtk_list_store_remove(master_connection_list, &it); }, 0, "firefox|firefox|three\n"},
+    };
+    for (const auto& step : steps) {
+        step.change();
+        EXPECT_EQ(launch_and_wait(&row), step.status) << step.step;
+        EXPECT_EQ(fake_log(), step.programs) << step.step;
+    }
 }
 
 TEST_F(spawn_test, session_programs_inherit_only_what_is_not_close_on_exec)
