@@ -147,6 +147,25 @@ TEST_F(spawn_test, each_launch_sees_the_master_list_as_it_is_now)
     }
 }
 
+// An Other command line is split by the shell's quoting rules but run without a shell; a
+// program without "#!" is run by /bin/sh. It gets /dev/null as standard input and no
+// descriptor above 2, and the child ends with 69 once it has ended.
+TEST_F(spawn_test, other_runs_a_script_without_interpreter_line_and_waits_for_it)
+{
+    const int leak = open((root / "leak").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    write_file(root / "bin/noshebang",
+               "printf '%s|' \"$0\" \"$@\" > " + root / "out\n"
+               "readlink /proc/$$/fd/0 >> " + root / "out\n"
+               "[ -e /proc/$$/fd/" + std::to_string(leak) + " ] && echo leaked >> " + root / "out\n"
+               "sleep 0.2; echo ended >> " + root / "out\n");
+    chmod((root / "bin/noshebang").c_str(), 0755);
+    GtkTreeIter iter = add_connection(
+        make_record("Tool", "Other", {{MC_PROGRAM, "noshebang 'two words' \"$HOME\" a\\ b"}}));
+    EXPECT_EQ(launch_and_wait(&iter), 69);
+    close(leak);
+    EXPECT_EQ(read_file_text(root / "out"), root / "bin/noshebang|two words|$HOME|a b|/dev/null\nended\n");
+}
+
 TEST_F(spawn_test, session_programs_inherit_only_what_is_not_close_on_exec)
 {
     const int leak = open((root / "leak").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
