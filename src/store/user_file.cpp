@@ -38,13 +38,39 @@ tree_row read_row(line_reader& reader, int lines_per_row)
     return row;
 }
 
+// A new row gets only the values that differ from an unset column's: a flag left unset
+// reads as FALSE and the poll count as 0, and each value set costs a copy and a type check.
 void insert_row(GtkTreeStore* tree, GtkTreeIter* parent, int position, const tree_row& row,
                 GtkTreeIter* added)
 {
-    gtk_tree_store_insert_with_values(
-        tree, added, parent, position, TC_PRIMARY, row.primary, TC_NAME, row.name.c_str(), TC_TYPE,
-        row.type.c_str(), TC_AUTOMATIC, row.automatic, TC_PERSISTENT, row.persistent, TC_PROMPT,
-        row.prompt, TC_PID, row.pid.c_str(), TC_STATUS, row.status.c_str(), TC_POLLS, row.polls, -1);
+    gint columns[TC_COUNT];
+    GValue values[TC_COUNT] = {};
+    int count = 0;
+    auto add_flag = [&](int column, bool flag) {
+        if (!flag)
+            return;
+        columns[count] = column;
+        g_value_set_boolean(g_value_init(&values[count++], G_TYPE_BOOLEAN), TRUE);
+    };
+    auto add_text = [&](int column, const std::string& text) {
+        columns[count] = column;
+        g_value_set_static_string(g_value_init(&values[count++], G_TYPE_STRING), text.c_str());
+    };
+    add_flag(TC_PRIMARY, row.primary);
+    add_text(TC_NAME, row.name);
+    add_text(TC_TYPE, row.type);
+    add_flag(TC_AUTOMATIC, row.automatic);
+    add_flag(TC_PERSISTENT, row.persistent);
+    add_flag(TC_PROMPT, row.prompt);
+    add_text(TC_PID, row.pid);
+    add_text(TC_STATUS, row.status);
+    if (row.polls != 0) {
+        columns[count] = TC_POLLS;
+        g_value_set_int(g_value_init(&values[count++], G_TYPE_INT), row.polls);
+    }
+    gtk_tree_store_insert_with_valuesv(tree, added, parent, position, columns, values, count);
+    for (int i = 0; i < count; ++i)
+        g_value_unset(&values[i]);
 }
 
 struct primary_group {
