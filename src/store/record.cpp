@@ -211,8 +211,8 @@ unsigned long decimal_column(const std::string& text)
 namespace {
 
 // The (name, type) pairs of a master list with their rows, so that a look-up (every row
-// of a user file, every launch) needs no walk over the whole list. Only hashes and row
-// references are kept, in list order; a candidate row is compared in the list itself.
+// of a user file, every launch) needs no walk over the whole list. The pairs are kept
+// with their rows, in list order, sorted by hash.
 // The index lives with the list and is built on the first look-up after any change of
 // the list; its change handlers are connected only while it is current, so that
 // filling a list costs nothing here.
@@ -228,14 +228,12 @@ public:
         const size_t hash = pair_hash(name, type);
         auto candidate = std::lower_bound(rows_.begin(), rows_.end(), hash,
                                           [](const entry& e, size_t h) { return e.hash < h; });
-        for (; candidate != rows_.end() && candidate->hash == hash; ++candidate) {
-            GtkTreeIter iter = candidate->iter;
-            if (row_is(&iter, name, type)) {
+        for (; candidate != rows_.end() && candidate->hash == hash; ++candidate)
+            if (candidate->name == name && candidate->type == type) {
                 if (found)
-                    *found = iter;
+                    *found = candidate->iter;
                 return true;
             }
-        }
         return false;
     }
 
@@ -248,6 +246,8 @@ public:
 private:
     struct entry {
         size_t hash;
+        std::string name;
+        std::string type;
         GtkTreeIter iter;
     };
 
@@ -257,17 +257,6 @@ private:
         return h ^ (std::hash<std::string_view>{}(type) + 0x9e3779b97f4a7c15ULL + (h << 6) + (h >> 2));
     }
 
-    bool row_is(GtkTreeIter* iter, const std::string& name, const std::string& type) const
-    {
-        gchar* row_name = nullptr;
-        gchar* row_type = nullptr;
-        gtk_tree_model_get(GTK_TREE_MODEL(list_), iter, MC_NAME, &row_name, MC_TYPE, &row_type, -1);
-        const bool same = name == (row_name ? row_name : "") && type == (row_type ? row_type : "");
-        g_free(row_name);
-        g_free(row_type);
-        return same;
-    }
-
     void build()
     {
         rows_.clear();
@@ -275,12 +264,10 @@ private:
         GtkTreeIter iter;
         for (bool more = gtk_tree_model_get_iter_first(model, &iter); more;
              more = gtk_tree_model_iter_next(model, &iter)) {
-            gchar* name = nullptr;
-            gchar* type = nullptr;
-            gtk_tree_model_get(model, &iter, MC_NAME, &name, MC_TYPE, &type, -1);
-            rows_.push_back({pair_hash(name ? name : "", type ? type : ""), iter});
-            g_free(name);
-            g_free(type);
+            std::string name = model_text(model, &iter, MC_NAME);
+            std::string type = model_text(model, &iter, MC_TYPE);
+            const size_t hash = pair_hash(name, type);
+            rows_.push_back({hash, std::move(name), std::move(type), iter});
         }
         // Equal hashes keep list order, so the first matching row is the one a walk finds.
         std::stable_sort(rows_.begin(), rows_.end(),
