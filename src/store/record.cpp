@@ -210,12 +210,11 @@ unsigned long decimal_column(const std::string& text)
 
 namespace {
 
-// The (name, type) pairs of a master list with their rows, so that a look-up (every row
-// of a user file, every launch) needs no walk over the whole list. The pairs are kept
-// with their rows, in list order, sorted by hash.
-// The index lives with the list and is built on the first look-up after any change of
-// the list; its change handlers are connected only while it is current, so that
-// filling a list costs nothing here.
+// The (name, type) pairs of a master list with their rows, in list order and sorted by
+// hash, so that a look-up (every row of a user file, every launch) needs no walk over
+// the whole list. The index lives with the list and is built on the first look-up after
+// any change of the list; its change handlers are connected only while it is current,
+// so that filling a list costs nothing here.
 class master_row_index {
 public:
     // Freed with its list, whose signal handlers are gone by then.
