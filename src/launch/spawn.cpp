@@ -8,8 +8,13 @@
 #include "store/models.h"
 #include "store/record.h"
 
+#include <algorithm>
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <fcntl.h>
+#include <linux/close_range.h>
+#include <memory>
 #include <pthread.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -72,13 +77,48 @@ void restore_default_signals(const sigset_t& previous)
     restore_signal_mask(previous);
 }
 
-// Runs a command line with shell quoting but no shell, waiting until it ends.
+// What a spawned program inherits: standard input from /dev/null, standard output and
+// error as they are, and no other descriptor. False when /dev/null cannot be opened.
+bool hand_over_descriptors()
+{
+    const int null_input = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    if (null_input < 0)
+        return false;
+    if (null_input != STDIN_FILENO) {
+        dup2(null_input, STDIN_FILENO);
+        close(null_input);
+    }
+    if (close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC) == 0)
+        return true;
+    // Kernels before 5.11 know no close_range flags: mark them one by one.
+    const long last = std::min(sysconf(_SC_OPEN_MAX), 65536L);
+    for (int fd = STDERR_FILENO + 1; fd < last; ++fd)
+        fcntl(fd, F_SETFD, FD_CLOEXEC);
+    return true;
+}
+
+// Runs a command line with shell quoting but no shell, waiting until it ends, as
+// g_spawn_command_line_sync does: split by the shell's rules, the program searched for
+// in PATH (a script without "#!" is run by /bin/sh), standard input from /dev/null and no
+// descriptor but 0, 1 and 2 passed on. This child is already a copy of the program, so
+// the session program is started with vfork, which shares its memory rather than
+// copying it again.
 void run_and_wait(const std::string& command_line)
 {
-    GError* error = nullptr;
-    g_spawn_command_line_sync(command_line.c_str(), nullptr, nullptr, nullptr, &error);
-    if (error)
-        g_error_free(error);
+    gchar** argv = nullptr;
+    if (!g_shell_parse_argv(command_line.c_str(), nullptr, &argv, nullptr))
+        return;
+    std::unique_ptr<gchar*, decltype(&g_strfreev)> owner(argv, g_strfreev);
+    if (!hand_over_descriptors())
+        return;
+    const pid_t pid = vfork();
+    if (pid == 0) {
+        execvp(argv[0], argv);
+        _exit(exit_session_over);
+    }
+    if (pid > 0)
+        while (waitpid(pid, nullptr, 0) < 0 && errno == EINTR) {
+        }
 }
 
 // Replaces the child with the program named by arguments[0], searched for in PATH.
@@ -172,6 +212,10 @@ int spawn_connection(GtkTreeModel* model, GtkTreeIter* iter)
         return 0;
     // Output still buffered in our streams would otherwise be written by the child too.
     std::fflush(nullptr);
+    // The child finds its connection through the master list's index: bring it up to
+    // date once here rather than in every child.
+    if (master_connection_list)
+        prepare_master_index(master_connection_list);
     const sigset_t previous_mask = block_termination_signals();
     const pid_t pid = fork();
     if (pid == 0) {

@@ -2,9 +2,13 @@
 
 #include "platform/message.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <memory>
+#include <string_view>
+#include <vector>
 
 namespace {
 
@@ -71,29 +75,39 @@ connection_record read_master_row(GtkTreeModel* model, GtkTreeIter* iter)
 
 namespace {
 
-// The values of a record, ready for the store's multi-column setters.
+// The values of a record, ready for the store's multi-column setters. A new row needs
+// no empty texts: a column never set reads as "" (model_text, read_master_row), and
+// most columns of a connection are empty, so a loaded list is built much faster
+// without them.
 struct master_values {
+    enum class texts { all, non_empty };
+
     gint columns[MC_COUNT];
     GValue values[MC_COUNT];
+    int count = 0;
 
-    explicit master_values(const connection_record& record)
+    master_values(const connection_record& record, texts which)
     {
         for (int c = 0; c < MC_COUNT; ++c) {
-            columns[c] = c;
-            values[c] = G_VALUE_INIT;
-            if (is_master_flag(c)) {
-                g_value_init(&values[c], G_TYPE_BOOLEAN);
-                g_value_set_boolean(&values[c], c == MC_PING ? record.ping_first : record.from_file);
+            const bool flag = is_master_flag(c);
+            if (!flag && which == texts::non_empty && record.col[c].empty())
+                continue;
+            columns[count] = c;
+            GValue* value = &values[count++];
+            *value = G_VALUE_INIT;
+            if (flag) {
+                g_value_init(value, G_TYPE_BOOLEAN);
+                g_value_set_boolean(value, c == MC_PING ? record.ping_first : record.from_file);
             } else {
-                g_value_init(&values[c], G_TYPE_STRING);
-                g_value_set_static_string(&values[c], record.col[c].c_str());
+                g_value_init(value, G_TYPE_STRING);
+                g_value_set_static_string(value, record.col[c].c_str());
             }
         }
     }
     ~master_values()
     {
-        for (GValue& value : values)
-            g_value_unset(&value);
+        for (int i = 0; i < count; ++i)
+            g_value_unset(&values[i]);
     }
 };
 
@@ -101,15 +115,15 @@ struct master_values {
 
 void write_master_row(GtkListStore* store, GtkTreeIter* iter, const connection_record& record)
 {
-    master_values row(record);
-    gtk_list_store_set_valuesv(store, iter, row.columns, row.values, MC_COUNT);
+    master_values row(record, master_values::texts::all);
+    gtk_list_store_set_valuesv(store, iter, row.columns, row.values, row.count);
 }
 
 void insert_master_row(GtkListStore* store, int position, const connection_record& record)
 {
-    master_values row(record);
+    master_values row(record, master_values::texts::non_empty);
     GtkTreeIter iter;
-    gtk_list_store_insert_with_valuesv(store, &iter, position, row.columns, row.values, MC_COUNT);
+    gtk_list_store_insert_with_valuesv(store, &iter, position, row.columns, row.values, row.count);
 }
 
 tree_row read_tree_row(GtkTreeModel* model, GtkTreeIter* iter)
@@ -194,12 +208,107 @@ unsigned long decimal_column(const std::string& text)
     return static_cast<unsigned long>(std::strtol(text.c_str(), nullptr, 10));
 }
 
+namespace {
+
+// The (name, type) pairs of a master list with their rows, in list order and sorted by
+// hash, so that a look-up (every row of a user file, every launch) needs no walk over
+// the whole list. The index lives with the list and is built on the first look-up after
+// any change of the list; its change handlers are connected only while it is current,
+// so that filling a list costs nothing here.
+class master_row_index {
+public:
+    // Freed with its list, whose signal handlers are gone by then.
+    explicit master_row_index(GtkListStore* list) : list_(list) {}
+
+    bool find(const std::string& name, const std::string& type, GtkTreeIter* found)
+    {
+        if (!current_)
+            build();
+        const size_t hash = pair_hash(name, type);
+        auto candidate = std::lower_bound(rows_.begin(), rows_.end(), hash,
+                                          [](const entry& e, size_t h) { return e.hash < h; });
+        for (; candidate != rows_.end() && candidate->hash == hash; ++candidate)
+            if (candidate->name == name && candidate->type == type) {
+                if (found)
+                    *found = candidate->iter;
+                return true;
+            }
+        return false;
+    }
+
+    void prepare()
+    {
+        if (!current_)
+            build();
+    }
+
+private:
+    struct entry {
+        size_t hash;
+        std::string name;
+        std::string type;
+        GtkTreeIter iter;
+    };
+
+    static size_t pair_hash(std::string_view name, std::string_view type)
+    {
+        const size_t h = std::hash<std::string_view>{}(name);
+        return h ^ (std::hash<std::string_view>{}(type) + 0x9e3779b97f4a7c15ULL + (h << 6) + (h >> 2));
+    }
+
+    void build()
+    {
+        rows_.clear();
+        GtkTreeModel* model = GTK_TREE_MODEL(list_);
+        GtkTreeIter iter;
+        for (bool more = gtk_tree_model_get_iter_first(model, &iter); more;
+             more = gtk_tree_model_iter_next(model, &iter)) {
+            std::string name = model_text(model, &iter, MC_NAME);
+            std::string type = model_text(model, &iter, MC_TYPE);
+            const size_t hash = pair_hash(name, type);
+            rows_.push_back({hash, std::move(name), std::move(type), iter});
+        }
+        // Equal hashes keep list order, so the first matching row is the one a walk finds.
+        std::stable_sort(rows_.begin(), rows_.end(),
+                         [](const entry& a, const entry& b) { return a.hash < b.hash; });
+        for (const char* signal : {"row-inserted", "row-changed", "row-deleted", "rows-reordered"})
+            g_signal_connect_swapped(list_, signal, G_CALLBACK(changed_cb), this);
+        current_ = true;
+    }
+
+    void forget()
+    {
+        if (current_)
+            g_signal_handlers_disconnect_by_data(list_, this);
+        current_ = false;
+    }
+
+    static void changed_cb(master_row_index* index) { index->forget(); }
+
+    GtkListStore* list_;
+    std::vector<entry> rows_;
+    bool current_ = false;
+};
+
+constexpr const char* master_index_key = "kestrelle-master-index";
+
+master_row_index& index_of(GtkListStore* list)
+{
+    auto* index = static_cast<master_row_index*>(g_object_get_data(G_OBJECT(list), master_index_key));
+    if (!index) {
+        index = new master_row_index(list);
+        g_object_set_data_full(G_OBJECT(list), master_index_key, index,
+                               [](gpointer data) { delete static_cast<master_row_index*>(data); });
+    }
+    return *index;
+}
+
+}  // namespace
+
 bool find_master_row(GtkListStore* list, const std::string& name, const std::string& type,
                      GtkTreeIter* found)
 {
-    locate_key key{name.c_str(), type.c_str(), {}, FALSE};
-    gtk_tree_model_foreach(GTK_TREE_MODEL(list), locate_in_list, &key);
-    if (key.found && found)
-        *found = key.iter;
-    return key.found;
+    return index_of(list).find(name, type, found);
 }
+
+void prepare_master_index(GtkListStore* list) { index_of(list).prepare(); }

@@ -106,7 +106,8 @@ GtkTreeStore* create_user_tree_store();
 
 connection_record read_master_row(GtkTreeModel* model, GtkTreeIter* iter);
 void write_master_row(GtkListStore* store, GtkTreeIter* iter, const connection_record& record);
-// Inserts a new row at position (-1 appends) with all its columns at once.
+// Inserts a new row at position (-1 appends) with all its columns at once; empty text
+// columns are left unset, which reads as "".
 void insert_master_row(GtkListStore* store, int position, const connection_record& record);
 tree_row read_tree_row(GtkTreeModel* model, GtkTreeIter* iter);
 void write_tree_row(GtkTreeStore* store, GtkTreeIter* iter, const tree_row& row);
@@ -133,6 +134,10 @@ int save_if_unique_connection(GtkTreeStore* tree, locate_key* key);
 // number counts as 0.
 unsigned long decimal_column(const std::string& text);
 
-// Finds the master row of (name, type); exact, case-sensitive comparison.
+// Finds the first master row of (name, type); exact, case-sensitive comparison. An index
+// kept with the list answers, built again on the first look-up after the list changes.
 bool find_master_row(GtkListStore* list, const std::string& name, const std::string& type,
                      GtkTreeIter* found);
+// Brings the list's index up to date now, so that a later look-up (in a launch's child)
+// does not have to.
+void prepare_master_index(GtkListStore* list);

@@ -9,41 +9,12 @@
 #include <algorithm>
 #include <cstring>
 #include <vector>
-#include <string_view>
-#include <unordered_set>
 
 namespace {
 
 constexpr const char* true_text = "TRUE";
 constexpr const char* false_text = "FALSE";
 constexpr int current_lines_per_row = 6;
-
-// The (name, type) pairs of the master list, so that every row of a user file is
-// checked in constant time rather than by a walk over the whole list.
-class master_index {
-public:
-    explicit master_index(GtkListStore* list)
-    {
-        if (!list)
-            return;
-        GtkTreeModel* model = GTK_TREE_MODEL(list);
-        GtkTreeIter iter;
-        for (bool more = gtk_tree_model_get_iter_first(model, &iter); more;
-             more = gtk_tree_model_iter_next(model, &iter))
-            pairs_.insert(key(model_text(model, &iter, MC_NAME), model_text(model, &iter, MC_TYPE)));
-    }
-    bool contains(const std::string& name, const std::string& type) const
-    {
-        return pairs_.count(key(name, type)) > 0;
-    }
-
-private:
-    static std::string key(const std::string& name, const std::string& type)
-    {
-        return name + '\0' + type;
-    }
-    std::unordered_set<std::string> pairs_;
-};
 
 // A flag line: anything but "TRUE" (a hand-edited or truncated file) counts as FALSE,
 // so that nobody's session is started or kept alive without having been flagged.
@@ -67,13 +38,39 @@ tree_row read_row(line_reader& reader, int lines_per_row)
     return row;
 }
 
+// A new row gets only the values that differ from an unset column's: a flag left unset
+// reads as FALSE and the poll count as 0, and each value set costs a copy and a type check.
 void insert_row(GtkTreeStore* tree, GtkTreeIter* parent, int position, const tree_row& row,
                 GtkTreeIter* added)
 {
-    gtk_tree_store_insert_with_values(
-        tree, added, parent, position, TC_PRIMARY, row.primary, TC_NAME, row.name.c_str(), TC_TYPE,
-        row.type.c_str(), TC_AUTOMATIC, row.automatic, TC_PERSISTENT, row.persistent, TC_PROMPT,
-        row.prompt, TC_PID, row.pid.c_str(), TC_STATUS, row.status.c_str(), TC_POLLS, row.polls, -1);
+    gint columns[TC_COUNT];
+    GValue values[TC_COUNT] = {};
+    int count = 0;
+    auto add_flag = [&](int column, bool flag) {
+        if (!flag)
+            return;
+        columns[count] = column;
+        g_value_set_boolean(g_value_init(&values[count++], G_TYPE_BOOLEAN), TRUE);
+    };
+    auto add_text = [&](int column, const std::string& text) {
+        columns[count] = column;
+        g_value_set_static_string(g_value_init(&values[count++], G_TYPE_STRING), text.c_str());
+    };
+    add_flag(TC_PRIMARY, row.primary);
+    add_text(TC_NAME, row.name);
+    add_text(TC_TYPE, row.type);
+    add_flag(TC_AUTOMATIC, row.automatic);
+    add_flag(TC_PERSISTENT, row.persistent);
+    add_flag(TC_PROMPT, row.prompt);
+    add_text(TC_PID, row.pid);
+    add_text(TC_STATUS, row.status);
+    if (row.polls != 0) {
+        columns[count] = TC_POLLS;
+        g_value_set_int(g_value_init(&values[count++], G_TYPE_INT), row.polls);
+    }
+    gtk_tree_store_insert_with_valuesv(tree, added, parent, position, columns, values, count);
+    for (int i = 0; i < count; ++i)
+        g_value_unset(&values[i]);
 }
 
 struct primary_group {
@@ -133,7 +130,6 @@ void make_connection_tree(GtkTreeStore* tree, const char* path, int lines_per_ro
         std::rewind(file.get());
     }
 
-    master_index master(master_connection_list);
     bool needs_parent = true;
     std::vector<primary_group> groups;
     while (reader.read_chopped()) {
@@ -146,7 +142,8 @@ void make_connection_tree(GtkTreeStore* tree, const char* path, int lines_per_ro
         if (needs_parent)
             row.primary = true;
         bool top_level = starts_primary || needs_parent;
-        needs_parent = !master.contains(row.name, row.type);
+        needs_parent = !master_connection_list ||
+                       !find_master_row(master_connection_list, row.name, row.type, nullptr);
         if (needs_parent)
             continue;
         if (top_level)

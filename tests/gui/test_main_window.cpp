@@ -43,6 +43,63 @@ TEST_F(shell_window_test, the_tree_is_shown_expanded_and_expands_again_when_rest
     save_screenshot(root_window, "main_window");
 }
 
+// A view whose Name column sizes itself to its contents the toolkit's way, with the same
+// least width as the main window's: the widths a person should see.
+GtkWidget* content_sized_view(GtkTreeViewColumn* name_column)
+{
+    GtkWidget* view = gtk_tree_view_new_with_model(GTK_TREE_MODEL(current_user_connection_tree));
+    GtkTreeViewColumn* column = gtk_tree_view_column_new_with_attributes(
+        "Name", gtk_cell_renderer_text_new(), "text", TC_NAME, nullptr);
+    gtk_tree_view_column_set_resizable(column, TRUE);
+    gtk_tree_view_column_set_min_width(column, gtk_tree_view_column_get_min_width(name_column));
+    gtk_tree_view_append_column(GTK_TREE_VIEW(view), column);
+    GtkWidget* window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+    gtk_container_add(GTK_CONTAINER(window), view);
+    gtk_tree_view_expand_all(GTK_TREE_VIEW(view));
+    gtk_widget_show_all(window);
+    return view;
+}
+
+// The Name column is as wide as its widest name, primary or secondary, at the map or added
+// later, and never less than its minimum; Type and Status keep their widths.
+TEST_F(shell_window_test, the_name_column_fits_its_widest_name)
+{
+    const std::string long_name(150, 'W');
+    struct { const char* rename_path; bool after_map; } table[] = {
+        {nullptr, false}, {"0", false}, {"0:0", false}, {"0:0", true},
+    };
+    for (const auto& c : table) {
+        SCOPED_TRACE(std::string(c.rename_path ? c.rename_path : "none") + (c.after_map ? " after the map" : ""));
+        GtkTreeIter renamed = row(c.rename_path ? c.rename_path : "0");
+        if (c.rename_path && !c.after_map)
+            gtk_tree_store_set(current_user_connection_tree, &renamed, TC_NAME, long_name.c_str(), -1);
+        open_main_window({false, false});
+        if (c.after_map)
+            gtk_tree_store_set(current_user_connection_tree, &renamed, TC_NAME, long_name.c_str(), -1);
+        GtkTreeViewColumn* name = gtk_tree_view_get_column(view(), 0);
+        std::vector<int> fixed_widths;
+        for (int i : {1, 2})
+            fixed_widths.push_back(gtk_tree_view_column_get_fixed_width(gtk_tree_view_get_column(view(), i)));
+        GtkWidget* expected = content_sized_view(name);
+        pump_events(300);
+        GtkTreeViewColumn* expected_name = gtk_tree_view_get_column(GTK_TREE_VIEW(expected), 0);
+        EXPECT_EQ(gtk_tree_view_column_get_width(name), gtk_tree_view_column_get_width(expected_name));
+        EXPECT_EQ(gtk_tree_view_column_get_width(name) > gtk_tree_view_column_get_min_width(name),
+                  c.rename_path != nullptr);
+        EXPECT_TRUE(gtk_tree_view_column_get_resizable(name));
+        // The last column takes whatever room is left over.
+        EXPECT_EQ(gtk_tree_view_column_get_width(gtk_tree_view_get_column(view(), 1)), fixed_widths[0]);
+        EXPECT_GE(gtk_tree_view_column_get_width(gtk_tree_view_get_column(view(), 2)), fixed_widths[1]);
+        if (c.rename_path)
+            save_screenshot(root_window, "main_window_long_name");
+        gtk_widget_destroy(gtk_widget_get_toplevel(expected));
+        gtk_widget_destroy(root_window);
+        if (c.rename_path)
+            gtk_tree_store_set(current_user_connection_tree, &renamed, TC_NAME,
+                               std::string(c.rename_path) == "0" ? "Desk" : "Backup", -1);
+    }
+}
+
 // Connect starts the selected row, a double click the activated one.
 TEST_F(shell_window_test, connect_and_double_click_start_their_row)
 {

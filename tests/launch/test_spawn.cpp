@@ -8,6 +8,7 @@
 #include "store/models.h"
 
 #include <fcntl.h>
+#include <functional>
 
 namespace {
 
@@ -108,6 +109,50 @@ TEST_F(spawn_test, each_check_comes_before_its_program_and_failures_end_with_the
         EXPECT_EQ(launch_and_wait(&iter), c.status) << c.name << "/" << c.type;
         EXPECT_EQ(fake_log(), c.programs) << c.name << "/" << c.type;
     }
+}
+
+// The child finds its connection through an index of the master list: every change of the
+// list is seen by the next launch, and of two rows of one name and type the first is used.
+TEST_F(spawn_test, each_launch_sees_the_master_list_as_it_is_now)
+{
+    GtkTreeIter row = add_connection(make_record("Intranet", "Web", {{MC_SERVER, "one"}}));
+    const auto first_master_row = [] {
+        GtkTreeIter iter;
+        gtk_tree_model_get_iter_first(GTK_TREE_MODEL(master_connection_list), &iter);
+        return iter;
+    };
+    const struct { const char* step; std::function<void()> change; int status; const char* programs; } steps[] = {
+        {"as added", [] {}, 0, "firefox|firefox|one\n"},
+        {"deleted", [&] { GtkTreeIter it = first_master_row(); gtk_list_store_remove(master_connection_list, &it); }, 189, ""},
+        {"added as RDP", [] { insert_master_row(master_connection_list, -1, make_record("Intranet", "RDP")); }, 189, ""},
+        {"its type made Web", [&] { GtkTreeIter it = first_master_row(); gtk_list_store_set(master_connection_list, &it, MC_TYPE, "Web", MC_SERVER, "two", -1); }, 0, "firefox|firefox|two\n"},
+        {"a second row", [] { insert_master_row(master_connection_list, -1, make_record("Intranet", "Web", {{MC_SERVER, "three"}})); }, 0, "firefox|firefox|two\n"},
+        {"the first deleted", [&] { GtkTreeIter it = first_master_row(); gtk_list_store_remove(master_connection_list, &it); }, 0, "firefox|firefox|three\n"},
+    };
+    for (const auto& step : steps) {
+        step.change();
+        EXPECT_EQ(launch_and_wait(&row), step.status) << step.step;
+        EXPECT_EQ(fake_log(), step.programs) << step.step;
+    }
+}
+
+// An Other command line is split by the shell's quoting rules but run without a shell; a
+// program without "#!" is run by /bin/sh. It gets /dev/null as standard input and no
+// descriptor above 2, and the child ends with 69 once it has ended.
+TEST_F(spawn_test, other_runs_a_script_without_interpreter_line_and_waits_for_it)
+{
+    const int leak = open((root / "leak").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    write_file(root / "bin/noshebang",
+               "printf '%s|' \"$0\" \"$@\" > " + root / "out\n"
+               "readlink /proc/$$/fd/0 >> " + root / "out\n"
+               "[ -e /proc/$$/fd/" + std::to_string(leak) + " ] && echo leaked >> " + root / "out\n"
+               "sleep 0.2; echo ended >> " + root / "out\n");
+    chmod((root / "bin/noshebang").c_str(), 0755);
+    GtkTreeIter iter = add_connection(
+        make_record("Tool", "Other", {{MC_PROGRAM, "noshebang 'two words' \"$HOME\" a\\ b"}}));
+    EXPECT_EQ(launch_and_wait(&iter), 69);
+    close(leak);
+    EXPECT_EQ(read_file_text(root / "out"), root / "bin/noshebang|two words|$HOME|a b|/dev/null\nended\n");
 }
 
 TEST_F(spawn_test, session_programs_inherit_only_what_is_not_close_on_exec)
