@@ -59,9 +59,8 @@ double time_open(GtkTreePath* path)
 int main(int argc, char** argv)
 {
     gtk_init(&argc, &argv);
-    char root_template[] = "/tmp/kest-bench-XXXXXX";
-    const std::string root = g_mkdtemp(root_template);
-    setenv("KESTRELLE_ROOT", root.c_str(), 1);
+    const gui_timing::scratch_root scratch;
+    const std::string& root = scratch.path();
     make_keymap_folder(root);
     make_rdesktop_keymap();
     fill_master_list();
@@ -78,6 +77,5 @@ int main(int argc, char** argv)
                 gtk_tree_model_iter_n_children(GTK_TREE_MODEL(rdesktop_keymap_list), nullptr) - 1);
     gui_timing::report("new connection", fresh);
     gui_timing::report("existing connection", edited);
-    const std::string clean = "rm -rf " + root;
-    return std::system(clean.c_str()) == 0 ? 0 : 1;
+    return 0;
 }

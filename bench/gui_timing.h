@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -81,6 +82,30 @@ inline GtkWidget* window_titled(const char* title)
     g_list_free(windows);
     return found;
 }
+
+// A private root for one benchmark run: KESTRELLE_ROOT points at it while it lives, and
+// it is removed with its contents afterwards.
+class scratch_root {
+public:
+    scratch_root()
+    {
+        char name[] = "/tmp/kest-bench-XXXXXX";
+        path_ = g_mkdtemp(name);
+        setenv("KESTRELLE_ROOT", path_.c_str(), 1);
+    }
+    ~scratch_root()
+    {
+        const std::string clean = "rm -rf " + path_;
+        if (std::system(clean.c_str()) != 0)
+            std::fprintf(stderr, "%s was not removed\n", path_.c_str());
+    }
+    scratch_root(const scratch_root&) = delete;
+    scratch_root& operator=(const scratch_root&) = delete;
+    const std::string& path() const { return path_; }
+
+private:
+    std::string path_;
+};
 
 inline void report(const char* what, std::vector<double> times)
 {
