@@ -5,6 +5,7 @@
 #include "launch/command_line.h"
 #include "launch/password.h"
 #include "launch/spawn.h"
+#include "platform/child_signals.h"
 #include "platform/log.h"
 #include "platform/message.h"
 #include "platform/paths.h"
@@ -20,8 +21,10 @@
 #include "store/models.h"
 #include "store/user_file.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
@@ -29,6 +32,8 @@ namespace {
 constexpr int status_interval_ms = 3000;
 constexpr int master_lines_per_record = 35;
 constexpr int user_lines_per_row = 6;
+constexpr const char* tmp_directory_message = "\nCouldn't create tmp support directory.\n";
+constexpr const char* instance_file_message = "\nCouldn't create instance file.\n";
 
 user_entry read_identity()
 {
@@ -78,13 +83,17 @@ void read_rights(const user_entry& user)
     allow_reboot = rights.reboot;
 }
 
-// Makes a directory with the shell's mkdir when it is missing; on failure the user is
-// told and the program ends with the given status.
+// Makes a directory with the shell's mkdir when it is missing. False when it cannot.
+bool make_missing_directory(const std::string& dir)
+{
+    return is_directory(dir) || run_shell_command("mkdir " + shell_quote(dir)) == 0;
+}
+
+// On failure to make the directory the user is told and the program ends with the
+// given status.
 void ensure_directory(const std::string& dir, const char* message, int exit_status)
 {
-    if (is_directory(dir))
-        return;
-    if (run_shell_command("mkdir " + shell_quote(dir)) != 0) {
+    if (!make_missing_directory(dir)) {
         show_error(message);
         std::exit(exit_status);
     }
@@ -94,27 +103,84 @@ void ensure_directory(const std::string& dir, const char* message, int exit_stat
 // instance file are made in it: a link there, another user's directory or one that
 // others may write into would let them choose what those commands write. Such a
 // directory is refused as if it could not be created; a new one is made private.
-void create_tmp_directory()
+bool make_private_tmp_directory()
 {
-    constexpr const char* message = "\nCouldn't create tmp support directory.\n";
     const bool made = !is_directory(tmp_dir);
-    ensure_directory(tmp_dir, message, 1);
-    if ((made && !make_directory_private(tmp_dir)) || !is_private_directory(tmp_dir)) {
-        show_error(message);
-        std::exit(1);
-    }
+    if (!make_missing_directory(tmp_dir))
+        return false;
+    return (!made || make_directory_private(tmp_dir)) && is_private_directory(tmp_dir);
 }
 
-void create_support_directories()
+// What making the support directory and the instance file came to; the value is also
+// the exit status of the child that makes them.
+enum support_status { support_ready = 0, tmp_directory_missing = 1, instance_file_missing = 2 };
+
+// The support directory and the instance file, as the shell makes them.
+support_status make_support_files()
 {
-    create_tmp_directory();
-    if (!use_instance_file)
-        return;
-    run_shell_command("touch " + shell_quote(instance_file));
-    if (!path_exists(instance_file)) {
-        show_error("\nCouldn't create instance file.\n");
-        std::exit(1);
+    if (!make_private_tmp_directory())
+        return tmp_directory_missing;
+    if (use_instance_file) {
+        run_shell_command("touch " + shell_quote(instance_file));
+        if (!path_exists(instance_file))
+            return instance_file_missing;
     }
+    return support_ready;
+}
+
+// The two shell commands above take several milliseconds, so a child runs them while
+// the toolkit starts; the program waits for it where it used to run them itself, so
+// they still come before every later command and any message comes at the same point.
+pid_t support_maker = -1;
+
+// Waits for the child; its status, or -1 when it ended without giving one.
+int wait_for_support_maker()
+{
+    int status = 0;
+    pid_t ended;
+    while ((ended = waitpid(support_maker, &status, 0)) < 0 && errno == EINTR) {
+    }
+    support_maker = -1;
+    return ended > 0 && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+// A program that ends before it would have made the instance file (the display cannot
+// be opened, say) must not leave one made early behind: the next start would refuse.
+void remove_early_instance_file()
+{
+    if (support_maker < 0)
+        return;
+    wait_for_support_maker();
+    if (use_instance_file)
+        unlink(instance_file.c_str());
+}
+
+void start_support_maker()
+{
+    std::fflush(nullptr);
+    const sigset_t previous_mask = block_termination_signals();
+    const pid_t pid = fork();
+    if (pid == 0) {
+        restore_default_signals(previous_mask);
+        _exit(make_support_files());
+    }
+    restore_signal_mask(previous_mask);
+    support_maker = pid;
+    if (pid > 0)
+        std::atexit(remove_early_instance_file);
+}
+
+// The child's result; when there is none (no child could be started, or it was killed)
+// the files are made here, as without the child.
+void finish_support_files()
+{
+    int status = support_maker < 0 ? -1 : wait_for_support_maker();
+    if (status < support_ready || status > instance_file_missing)
+        status = make_support_files();
+    if (status == support_ready)
+        return;
+    show_error(status == tmp_directory_missing ? tmp_directory_message : instance_file_message);
+    std::exit(1);
 }
 
 // Of several candidates, the last one that exists wins.
@@ -132,9 +198,9 @@ void load_connections()
     make_connection_list(master_connection_list, root_path(master_file_path).c_str(),
                          master_lines_per_record);
     current_user_connection_tree = create_user_tree_store();
-    make_connection_tree(current_user_connection_tree, current_user_filename.c_str(), user_lines_per_row);
     selected_user_connection_tree = create_user_tree_store();
-    make_connection_tree(selected_user_connection_tree, current_user_filename.c_str(), user_lines_per_row);
+    make_connection_trees({current_user_connection_tree, selected_user_connection_tree},
+                          current_user_filename.c_str(), user_lines_per_row);
 }
 
 void create_admin_directories()
@@ -214,6 +280,7 @@ int kestrelle_main(int argc, char** argv, GCallback advanced_dialog)
     install_signal_handlers();
     debian = is_regular_file(root_path("/etc/debian_version"));
     guard_single_instance();
+    start_support_maker();
     log_open();
     log_printf("Starting.\n");
     gtk_init(&argc, &argv);
@@ -221,7 +288,7 @@ int kestrelle_main(int argc, char** argv, GCallback advanced_dialog)
     read_rights(user);
     fill_seedchars();
     build_main_window();
-    create_support_directories();
+    finish_support_files();
     find_citrix_client();
     ica_dir = root_path("/etc/.kestrel");
     wfclient_file = ica_dir + "/wfclient.ini";

@@ -11,6 +11,15 @@ KESTRELLE_ROOT="$root" timeout 10 "$KESTRELLE" >"$root/stdout" 2>&1 || status=$?
 expect_text "the refusal" $'Another instance of Kestrelle is already running.\n' "$root/stdout"
 [ ! -e "$log" ] || fail "a refused start wrote the log"
 
+# A start that fails before the main window (no display) leaves no instance file: the
+# next start must not be refused.
+new_case no_display
+status=0
+env -u DISPLAY KESTRELLE_ROOT="$root" timeout 10 "$KESTRELLE" >"$root/stdout" 2>&1 || status=$?
+[ "$status" -ne 0 ] || fail "a start without a display ended with status 0"
+sleep 0.5  # anything the program left running has finished by now
+[ ! -e "$root/tmp/.kestrel/running" ] || fail "a start without a display left the instance file"
+
 new_case clean_exit_on_sigterm
 start_kestrelle
 [ -n "$(main_window)" ] || fail "no main window"
