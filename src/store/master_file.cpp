@@ -56,6 +56,10 @@ public:
         return at;
     }
 
+    // The new records' numbers (0 for the first), in list order; only for a list that was
+    // empty before.
+    const std::vector<int>& list_order() const { return sequence_; }
+
 private:
     const std::string& name_at(size_t position) const { return names_[sequence_[position]]; }
     bool name_after(size_t a, size_t b) const
@@ -98,6 +102,15 @@ connection_record read_record(line_reader& reader, int lines_per_record)
     return record;
 }
 
+std::vector<master_row_ref> in_list_order(std::vector<master_row_ref> rows, const std::vector<int>& order)
+{
+    std::vector<master_row_ref> sorted;
+    sorted.reserve(rows.size());
+    for (int number : order)
+        sorted.push_back(std::move(rows[number]));
+    return sorted;
+}
+
 }  // namespace
 
 void make_connection_list(GtkListStore* store, const char* path, int lines_per_record)
@@ -117,13 +130,21 @@ void make_connection_list(GtkListStore* store, const char* path, int lines_per_r
     reader.read();
 
     insertion_order places(GTK_TREE_MODEL(store));
+    // A list filled from empty gives its index every row, so that the first look-up
+    // need not read the whole list back.
+    const bool was_empty = places.list_order().empty();
+    std::vector<master_row_ref> rows;
     while (reader.read()) {
         std::string key = reader.text();
         reader.drop_last_char();
-        const connection_record record = read_record(reader, lines_per_record);
+        connection_record record = read_record(reader, lines_per_record);
         const size_t at = places.place(key.c_str(), record[MC_NAME]);
-        insert_master_row(store, static_cast<int>(at), record);
+        const GtkTreeIter iter = insert_master_row(store, static_cast<int>(at), record);
+        if (was_empty)
+            rows.push_back({std::move(record.col[MC_NAME]), std::move(record.col[MC_TYPE]), iter});
     }
+    if (was_empty)
+        index_filled_list(store, in_list_order(std::move(rows), places.list_order()));
 }
 
 int master_insert_position(GtkTreeModel* list, const std::string& name)

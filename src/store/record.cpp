@@ -119,11 +119,12 @@ void write_master_row(GtkListStore* store, GtkTreeIter* iter, const connection_r
     gtk_list_store_set_valuesv(store, iter, row.columns, row.values, row.count);
 }
 
-void insert_master_row(GtkListStore* store, int position, const connection_record& record)
+GtkTreeIter insert_master_row(GtkListStore* store, int position, const connection_record& record)
 {
     master_values row(record, master_values::texts::non_empty);
     GtkTreeIter iter;
     gtk_list_store_insert_with_valuesv(store, &iter, position, row.columns, row.values, row.count);
+    return iter;
 }
 
 tree_row read_tree_row(GtkTreeModel* model, GtkTreeIter* iter)
@@ -213,7 +214,7 @@ namespace {
 // The (name, type) pairs of a master list with their rows, in list order and sorted by
 // hash, so that a look-up (every row of a user file, every launch) needs no walk over
 // the whole list. The index lives with the list and is built on the first look-up after
-// any change of the list; its change handlers are connected only while it is current,
+// any change of the list, unless the loader of a new list hands it the rows; its change handlers are connected only while it is current,
 // so that filling a list costs nothing here.
 class master_row_index {
 public:
@@ -242,6 +243,24 @@ public:
             build();
     }
 
+    // Takes the list's rows, in list order.
+    void adopt(std::vector<master_row_ref> rows)
+    {
+        rows_.clear();
+        rows_.reserve(rows.size());
+        for (master_row_ref& row : rows) {
+            const size_t hash = pair_hash(row.name, row.type);
+            rows_.push_back({hash, std::move(row.name), std::move(row.type), row.iter});
+        }
+        // Equal hashes keep list order, so the first matching row is the one a walk finds.
+        std::stable_sort(rows_.begin(), rows_.end(),
+                         [](const entry& a, const entry& b) { return a.hash < b.hash; });
+        forget();
+        for (const char* signal : {"row-inserted", "row-changed", "row-deleted", "rows-reordered"})
+            g_signal_connect_swapped(list_, signal, G_CALLBACK(changed_cb), this);
+        current_ = true;
+    }
+
 private:
     struct entry {
         size_t hash;
@@ -258,22 +277,13 @@ private:
 
     void build()
     {
-        rows_.clear();
+        std::vector<master_row_ref> rows;
         GtkTreeModel* model = GTK_TREE_MODEL(list_);
         GtkTreeIter iter;
         for (bool more = gtk_tree_model_get_iter_first(model, &iter); more;
-             more = gtk_tree_model_iter_next(model, &iter)) {
-            std::string name = model_text(model, &iter, MC_NAME);
-            std::string type = model_text(model, &iter, MC_TYPE);
-            const size_t hash = pair_hash(name, type);
-            rows_.push_back({hash, std::move(name), std::move(type), iter});
-        }
-        // Equal hashes keep list order, so the first matching row is the one a walk finds.
-        std::stable_sort(rows_.begin(), rows_.end(),
-                         [](const entry& a, const entry& b) { return a.hash < b.hash; });
-        for (const char* signal : {"row-inserted", "row-changed", "row-deleted", "rows-reordered"})
-            g_signal_connect_swapped(list_, signal, G_CALLBACK(changed_cb), this);
-        current_ = true;
+             more = gtk_tree_model_iter_next(model, &iter))
+            rows.push_back({model_text(model, &iter, MC_NAME), model_text(model, &iter, MC_TYPE), iter});
+        adopt(std::move(rows));
     }
 
     void forget()
@@ -312,3 +322,8 @@ bool find_master_row(GtkListStore* list, const std::string& name, const std::str
 }
 
 void prepare_master_index(GtkListStore* list) { index_of(list).prepare(); }
+
+void index_filled_list(GtkListStore* list, std::vector<master_row_ref> rows)
+{
+    index_of(list).adopt(std::move(rows));
+}

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <string>
+#include <vector>
 
 // Master list columns. Columns 5 to 34 mean different things per type; the aliases
 // name the use of each column by the types that have one.
@@ -107,8 +108,8 @@ GtkTreeStore* create_user_tree_store();
 connection_record read_master_row(GtkTreeModel* model, GtkTreeIter* iter);
 void write_master_row(GtkListStore* store, GtkTreeIter* iter, const connection_record& record);
 // Inserts a new row at position (-1 appends) with all its columns at once; empty text
-// columns are left unset, which reads as "".
-void insert_master_row(GtkListStore* store, int position, const connection_record& record);
+// columns are left unset, which reads as "". Returns the new row.
+GtkTreeIter insert_master_row(GtkListStore* store, int position, const connection_record& record);
 tree_row read_tree_row(GtkTreeModel* model, GtkTreeIter* iter);
 void write_tree_row(GtkTreeStore* store, GtkTreeIter* iter, const tree_row& row);
 
@@ -138,6 +139,15 @@ unsigned long decimal_column(const std::string& text);
 // kept with the list answers, built again on the first look-up after the list changes.
 bool find_master_row(GtkListStore* list, const std::string& name, const std::string& type,
                      GtkTreeIter* found);
+// A row of a master list by its name and type.
+struct master_row_ref {
+    std::string name;
+    std::string type;
+    GtkTreeIter iter;
+};
+// Hands the index every row of a list just filled, in list order, so that the first
+// look-up need not read them back from the list.
+void index_filled_list(GtkListStore* list, std::vector<master_row_ref> rows);
 // Brings the list's index up to date now, so that a later look-up (in a launch's child)
 // does not have to.
 void prepare_master_index(GtkListStore* list);

@@ -117,6 +117,11 @@ void write_text(FILE* stream, const std::string& text)
 
 void make_connection_tree(GtkTreeStore* tree, const char* path, int lines_per_row)
 {
+    make_connection_trees({tree}, path, lines_per_row);
+}
+
+void make_connection_trees(std::initializer_list<GtkTreeStore*> trees, const char* path, int lines_per_row)
+{
     unique_file file = open_file(path, "re");
     if (!file)
         return;
@@ -152,7 +157,8 @@ void make_connection_tree(GtkTreeStore* tree, const char* path, int lines_per_ro
             groups.back().secondaries.push_back(std::move(row));
     }
     file.reset();
-    add_groups(tree, groups);
+    for (GtkTreeStore* tree : trees)
+        add_groups(tree, groups);
 }
 
 gboolean file_user_connection(GtkTreeModel* model, GtkTreePath*, GtkTreeIter* iter, gpointer stream)

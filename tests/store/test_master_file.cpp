@@ -71,6 +71,33 @@ TEST_F(master_file_test, orders_by_name_without_case_and_equal_names_in_file_ord
     }
 }
 
+// A loaded list is searched by name and type through an index made while loading: of two
+// rows of one name and type the one first in the list is found, whatever the file order,
+// and a later change of the list is seen.
+TEST_F(master_file_test, a_loaded_list_finds_the_first_row_of_each_name_and_type)
+{
+    const auto found = [](const char* name, const char* type) {
+        GtkTreeIter iter;
+        if (!find_master_row(master_connection_list, name, type, &iter))
+            return std::string("none");
+        return read_master_row(GTK_TREE_MODEL(master_connection_list), &iter)[MC_PING_PORT];
+    };
+    load(master_text(master_record("Mail", "RDP", false, "1") + master_record("Desk", "RDP", false, "2") +
+                     master_record("Mail", "Web", false, "3") + master_record("Desk", "RDP", false, "4") +
+                     master_record("desk", "RDP", false, "5") + master_record("Alpha", "ICA", false, "6")));
+    const struct { const char *name, *type, *port; } cases[] = {
+        {"Mail", "RDP", "1"}, {"Desk", "RDP", "2"}, {"Mail", "Web", "3"}, {"desk", "RDP", "5"},
+        {"Alpha", "ICA", "6"}, {"Alpha", "RDP", "none"}, {"Desk ", "RDP", "none"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(found(c.name, c.type), c.port) << c.name << "/" << c.type;
+
+    GtkTreeIter first_desk;
+    ASSERT_TRUE(find_master_row(master_connection_list, "Desk", "RDP", &first_desk));
+    gtk_list_store_remove(master_connection_list, &first_desk);
+    EXPECT_EQ(found("Desk", "RDP"), "4");
+}
+
 TEST_F(master_file_test, over_long_lines_and_a_cut_last_record)
 {
     // Column 8's rest becomes column 9, and the record shifts.
