@@ -2,7 +2,6 @@
 
 #include "launch/command_line.h"
 #include "launch/reachability.h"
-#include "platform/child_signals.h"
 #include "platform/log.h"
 #include "platform/shell_command.h"
 #include "platform/tmp_files.h"
@@ -16,6 +15,7 @@
 #include <fcntl.h>
 #include <linux/close_range.h>
 #include <memory>
+#include <pthread.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <unordered_map>
@@ -45,6 +45,36 @@ void mark_active(GtkTreeModel* model, GtkTreeIter* iter, pid_t pid)
     std::snprintf(pid_text, sizeof pid_text, "%05d", static_cast<int>(pid % pid_modulus));
     gtk_tree_store_set(GTK_TREE_STORE(model), iter, TC_PID, pid_text, TC_STATUS, status_active,
                        TC_POLLS, 0, -1);
+}
+
+constexpr int termination_signals[] = {SIGTERM, SIGHUP, SIGQUIT, SIGINT};
+
+// The parent's handlers for the termination signals write to the pipe its main loop
+// reads, which the child shares: run in the child, they would end the parent. They stay
+// blocked from just before fork until the child has put the default actions back.
+sigset_t block_termination_signals()
+{
+    sigset_t blocked;
+    sigset_t previous;
+    sigemptyset(&blocked);
+    for (int signal_number : termination_signals)
+        sigaddset(&blocked, signal_number);
+    pthread_sigmask(SIG_BLOCK, &blocked, &previous);
+    return previous;
+}
+
+void restore_signal_mask(const sigset_t& previous)
+{
+    pthread_sigmask(SIG_SETMASK, &previous, nullptr);
+}
+
+// The child has no main loop: a termination signal takes its default action again, and
+// the session program starts with the signal mask the program had before the fork.
+void restore_default_signals(const sigset_t& previous)
+{
+    for (int signal_number : termination_signals)
+        std::signal(signal_number, SIG_DFL);
+    restore_signal_mask(previous);
 }
 
 // What a spawned program inherits: standard input from /dev/null, standard output and

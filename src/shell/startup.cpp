@@ -5,7 +5,6 @@
 #include "launch/command_line.h"
 #include "launch/password.h"
 #include "launch/spawn.h"
-#include "platform/child_signals.h"
 #include "platform/log.h"
 #include "platform/message.h"
 #include "platform/paths.h"
@@ -21,10 +20,9 @@
 #include "store/models.h"
 #include "store/user_file.h"
 
-#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -99,87 +97,76 @@ void ensure_directory(const std::string& dir, const char* message, int exit_stat
     }
 }
 
-// The support directory lives in the shared /tmp, and the save's backup and the
-// instance file are made in it: a link there, another user's directory or one that
-// others may write into would let them choose what those commands write. Such a
-// directory is refused as if it could not be created; a new one is made private.
-bool make_private_tmp_directory()
-{
-    const bool made = !is_directory(tmp_dir);
-    if (!make_missing_directory(tmp_dir))
-        return false;
-    return (!made || make_directory_private(tmp_dir)) && is_private_directory(tmp_dir);
-}
+// The support directory and the instance file are made by two shell commands of a few
+// milliseconds each. A thread makes them while the toolkit starts, and the program waits
+// for it where it used to make them itself, so that the commands come before every later
+// command and a failure shows the same message at the same point.
+class support_files {
+public:
+    enum result { ready, tmp_directory_missing, instance_file_missing };
 
-// What making the support directory and the instance file came to; the value is also
-// the exit status of the child that makes them.
-enum support_status { support_ready = 0, tmp_directory_missing = 1, instance_file_missing = 2 };
+    void start()
+    {
+        worker_ = std::thread([this] { result_ = make(); });
+    }
 
-// The support directory and the instance file, as the shell makes them.
-support_status make_support_files()
-{
-    if (!make_private_tmp_directory())
-        return tmp_directory_missing;
-    if (use_instance_file) {
+    result finish()
+    {
+        if (worker_.joinable())
+            worker_.join();
+        return result_;
+    }
+
+    // A program that ends before it would have made the instance file (the display
+    // cannot be opened, say) must not leave one made early behind: the next start
+    // would be refused.
+    void abandon()
+    {
+        if (!worker_.joinable())
+            return;
+        worker_.join();
+        if (touched_)
+            unlink(instance_file.c_str());
+    }
+
+private:
+    result make()
+    {
+        // The support directory lives in the shared /tmp, and the save's backup and the
+        // instance file are made in it: a link there, another user's directory or one
+        // that others may write into would let them choose what those commands write.
+        // Such a directory is refused as if it could not be created; a new one is made
+        // private.
+        const bool made = !is_directory(tmp_dir);
+        if (!make_missing_directory(tmp_dir) || (made && !make_directory_private(tmp_dir)) ||
+            !is_private_directory(tmp_dir))
+            return tmp_directory_missing;
+        if (!use_instance_file)
+            return ready;
+        touched_ = true;
         run_shell_command("touch " + shell_quote(instance_file));
-        if (!path_exists(instance_file))
-            return instance_file_missing;
+        return path_exists(instance_file) ? ready : instance_file_missing;
     }
-    return support_ready;
-}
 
-// The two shell commands above take several milliseconds, so a child runs them while
-// the toolkit starts; the program waits for it where it used to run them itself, so
-// they still come before every later command and any message comes at the same point.
-pid_t support_maker = -1;
+    std::thread worker_;
+    result result_ = ready;
+    bool touched_ = false;
+};
 
-// Waits for the child; its status, or -1 when it ended without giving one.
-int wait_for_support_maker()
+support_files support;
+
+void start_support_files()
 {
-    int status = 0;
-    pid_t ended;
-    while ((ended = waitpid(support_maker, &status, 0)) < 0 && errno == EINTR) {
-    }
-    support_maker = -1;
-    return ended > 0 && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    support.start();
+    std::atexit([] { support.abandon(); });
 }
 
-// A program that ends before it would have made the instance file (the display cannot
-// be opened, say) must not leave one made early behind: the next start would refuse.
-void remove_early_instance_file()
-{
-    if (support_maker < 0)
-        return;
-    wait_for_support_maker();
-    if (use_instance_file)
-        unlink(instance_file.c_str());
-}
-
-void start_support_maker()
-{
-    std::fflush(nullptr);
-    const sigset_t previous_mask = block_termination_signals();
-    const pid_t pid = fork();
-    if (pid == 0) {
-        restore_default_signals(previous_mask);
-        _exit(make_support_files());
-    }
-    restore_signal_mask(previous_mask);
-    support_maker = pid;
-    if (pid > 0)
-        std::atexit(remove_early_instance_file);
-}
-
-// The child's result; when there is none (no child could be started, or it was killed)
-// the files are made here, as without the child.
 void finish_support_files()
 {
-    int status = support_maker < 0 ? -1 : wait_for_support_maker();
-    if (status < support_ready || status > instance_file_missing)
-        status = make_support_files();
-    if (status == support_ready)
+    const support_files::result result = support.finish();
+    if (result == support_files::ready)
         return;
-    show_error(status == tmp_directory_missing ? tmp_directory_message : instance_file_message);
+    show_error(result == support_files::tmp_directory_missing ? tmp_directory_message : instance_file_message);
     std::exit(1);
 }
 
@@ -280,7 +267,7 @@ int kestrelle_main(int argc, char** argv, GCallback advanced_dialog)
     install_signal_handlers();
     debian = is_regular_file(root_path("/etc/debian_version"));
     guard_single_instance();
-    start_support_maker();
+    start_support_files();
     log_open();
     log_printf("Starting.\n");
     gtk_init(&argc, &argv);
