@@ -26,6 +26,7 @@ extern std::string home_dir;               // the toolkit's idea of the home dir
 extern GtkWidget** misc_widgets;    // three references; element 0 is the window editors hide
 
 extern GtkWidget* root_window;      // the main window
+// The two shared dialogs and their texts are null until first shown.
 extern GtkWidget* error_dialog;     // the shared error dialog
 extern GtkWidget* error_label;      // its text
 extern GtkWidget* reconnect_dialog; // the prompt before an automatic or persistent start

@@ -34,8 +34,11 @@ constexpr const char* tree_view_key = "kestrelle-tree-view";
 constexpr const char* button_column_key = "kestrelle-buttons";
 constexpr const char* help_button_key = "kestrelle-help-button";
 
+// The error dialog's text; the dialog itself is made when it is first shown.
+std::string error_text;
+
 // The error and reconnect dialogs: modal, no parent, one close button; any response
-// hides them, for they live for the whole run.
+// hides them, for they live for the whole run once made.
 GtkWidget* make_shared_dialog(GtkWidget** label, const char* text)
 {
     GtkWidget* dialog = gtk_dialog_new_with_buttons(product_name, nullptr, GTK_DIALOG_MODAL,
@@ -46,21 +49,34 @@ GtkWidget* make_shared_dialog(GtkWidget** label, const char* text)
     gtk_label_set_justify(GTK_LABEL(*label), GTK_JUSTIFY_CENTER);
     gtk_label_set_line_wrap(GTK_LABEL(*label), TRUE);
     gtk_box_pack_start(GTK_BOX(GTK_DIALOG(dialog)->vbox), *label, TRUE, TRUE, 0);
+    g_signal_connect(*label, "destroy", G_CALLBACK(gtk_widget_destroyed), label);
     g_signal_connect(dialog, "response", G_CALLBACK(gtk_widget_hide), nullptr);
     g_signal_connect(dialog, "delete-event", G_CALLBACK(gtk_widget_hide_on_delete), nullptr);
     return dialog;
 }
 
-void run_shared_dialog(GtkWidget* dialog)
+// Both dialogs are made on first use: most runs never show them, and making them is a
+// noticeable part of start-up.
+void run_shared_dialog(GtkWidget** dialog, GtkWidget** label, const char* text)
 {
-    gtk_widget_show_all(dialog);
-    gtk_dialog_run(GTK_DIALOG(dialog));
-    gtk_widget_hide(dialog);
+    if (!*dialog) {
+        *dialog = make_shared_dialog(label, text);
+        g_signal_connect(*dialog, "destroy", G_CALLBACK(gtk_widget_destroyed), dialog);
+    }
+    gtk_widget_show_all(*dialog);
+    gtk_dialog_run(GTK_DIALOG(*dialog));
+    if (*dialog)
+        gtk_widget_hide(*dialog);
 }
 
-void set_error_label(const std::string& text) { gtk_label_set_text(GTK_LABEL(error_label), text.c_str()); }
+void set_error_label(const std::string& text)
+{
+    error_text = text;
+    if (error_label)
+        gtk_label_set_text(GTK_LABEL(error_label), text.c_str());
+}
 
-void run_error_dialog_window() { run_shared_dialog(error_dialog); }
+void run_error_dialog_window() { run_shared_dialog(&error_dialog, &error_label, error_text.c_str()); }
 
 GtkTreeView* connection_view()
 {
@@ -270,8 +286,7 @@ void build_main_window()
     gtk_box_pack_end(GTK_BOX(row), buttons, FALSE, FALSE, 0);
     g_object_set_data(G_OBJECT(root_window), button_column_key, buttons);
 
-    reconnect_dialog = make_shared_dialog(&reconnect_label, reconnect_text);
-    error_dialog = make_shared_dialog(&error_label, initial_error_text);
+    error_text = initial_error_text;
     set_message_handlers({set_error_label, run_error_dialog_window});
 }
 
@@ -300,7 +315,7 @@ void add_advanced_button(GCallback handler)
 // expands them again.
 void show_main_window() { gtk_widget_show_all(root_window); }
 
-void run_reconnect_dialog() { run_shared_dialog(reconnect_dialog); }
+void run_reconnect_dialog() { run_shared_dialog(&reconnect_dialog, &reconnect_label, reconnect_text); }
 
 void make_user_renderer(GtkTreeView* view)
 {

@@ -3,8 +3,8 @@
 // window, and the two shared modal dialogs (error and reconnect prompt).
 #include <gtk/gtk.h>
 
-// Builds root_window, error_dialog and reconnect_dialog, and routes the program's
-// messages to the error dialog.
+// Builds root_window and routes the program's messages to the error dialog, which, like
+// the reconnect dialog, is made when it is first shown.
 void build_main_window();
 // The tree view on current_user_connection_tree and the buttons by mode and rights.
 void finish_main_window();

@@ -131,8 +131,9 @@ TEST_F(shell_window_test, settings_starts_the_first_control_panel_found)
     EXPECT_TRUE(wait_for([&] { return read_file_text(root / "started") == "zarvocontrolpanel\nxfce-setting-show\n"; }));
 }
 
-// The reconnect prompt waits for its answer, then hides until the next one.
-TEST_F(shell_window_test, the_reconnect_prompt_is_answered_and_hides)
+// The reconnect prompt and the error dialog wait for their answer, then hide until the
+// next time. The error dialog, made when first shown, shows the latest text set before.
+TEST_F(shell_window_test, the_shared_dialogs_are_answered_and_hide)
 {
     open_main_window({false, false});
     std::string shown;
@@ -140,6 +141,16 @@ TEST_F(shell_window_test, the_reconnect_prompt_is_answered_and_hides)
     run_reconnect_dialog();
     EXPECT_EQ(shown, "\nPlease close this dialog when you're ready to connect.\n");
     EXPECT_FALSE(gtk_widget_get_visible(reconnect_dialog));
+
+    set_error_text("\nfirst\n");
+    set_error_text("\nsecond\n");
+    for (const char* text : {"\nsecond\n", "\nthird\n"}) {
+        answer_next_dialog(&shown);
+        run_error_dialog();
+        EXPECT_EQ(shown, text);
+        EXPECT_FALSE(gtk_widget_get_visible(error_dialog));
+        set_error_text("\nthird\n");
+    }
 }
 
 // Without its file Help shows a fixed text and no text view; with it, the file's text.
