@@ -97,6 +97,29 @@ void ensure_directory(const std::string& dir, const char* message, int exit_stat
     }
 }
 
+// Work started in a thread of its own at the beginning of start-up and waited for where
+// its result is needed.
+template <typename Result>
+class early_work {
+public:
+    template <typename Work>
+    void start(Work work)
+    {
+        thread_ = std::thread([this, work] { result_ = work(); });
+    }
+    bool running() const { return thread_.joinable(); }
+    Result& wait()
+    {
+        if (thread_.joinable())
+            thread_.join();
+        return result_;
+    }
+
+private:
+    std::thread thread_;
+    Result result_{};
+};
+
 // The support directory and the instance file are made by two shell commands of a few
 // milliseconds each. A thread makes them while the toolkit starts, and the program waits
 // for it where it used to make them itself, so that the commands come before every later
@@ -107,24 +130,19 @@ public:
 
     void start()
     {
-        worker_ = std::thread([this] { result_ = make(); });
+        work_.start([this] { return make(); });
     }
 
-    result finish()
-    {
-        if (worker_.joinable())
-            worker_.join();
-        return result_;
-    }
+    result finish() { return work_.wait(); }
 
     // A program that ends before it would have made the instance file (the display
     // cannot be opened, say) must not leave one made early behind: the next start
     // would be refused.
     void abandon()
     {
-        if (!worker_.joinable())
+        if (!work_.running())
             return;
-        worker_.join();
+        work_.wait();
         if (touched_)
             unlink(instance_file.c_str());
     }
@@ -148,17 +166,35 @@ private:
         return path_exists(instance_file) ? ready : instance_file_missing;
     }
 
-    std::thread worker_;
-    result result_ = ready;
+    early_work<result> work_;
     bool touched_ = false;
 };
 
 support_files support;
 
-void start_support_files()
+// The master list is read in a thread of its own while the toolkit starts. The new list
+// is seen by nothing else until the thread has ended, and loading it only builds its rows;
+// the header's effects (show_gui, the version message) are applied where the list used
+// to be loaded.
+struct loaded_master {
+    GtkListStore* list = nullptr;
+    master_header header = master_header::missing;
+};
+
+early_work<loaded_master> master_loading;
+
+void start_early_work()
 {
     support.start();
-    std::atexit([] { support.abandon(); });
+    master_loading.start([path = root_path(master_file_path)] {
+        GtkListStore* list = create_master_store();
+        return loaded_master{list, load_master_file(list, path.c_str(), master_lines_per_record)};
+    });
+    // No thread may still run while the program is taken down.
+    std::atexit([] {
+        master_loading.wait();
+        support.abandon();
+    });
 }
 
 void finish_support_files()
@@ -181,9 +217,9 @@ std::string last_existing(std::initializer_list<const char*> candidates, std::st
 
 void load_connections()
 {
-    master_connection_list = create_master_store();
-    make_connection_list(master_connection_list, root_path(master_file_path).c_str(),
-                         master_lines_per_record);
+    const loaded_master& master = master_loading.wait();
+    master_connection_list = master.list;
+    apply_master_header(master.header);
     current_user_connection_tree = create_user_tree_store();
     selected_user_connection_tree = create_user_tree_store();
     make_connection_trees({current_user_connection_tree, selected_user_connection_tree},
@@ -267,7 +303,7 @@ int kestrelle_main(int argc, char** argv, GCallback advanced_dialog)
     install_signal_handlers();
     debian = is_regular_file(root_path("/etc/debian_version"));
     guard_single_instance();
-    start_support_files();
+    start_early_work();
     log_open();
     log_printf("Starting.\n");
     gtk_init(&argc, &argv);

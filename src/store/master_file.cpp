@@ -113,19 +113,17 @@ std::vector<master_row_ref> in_list_order(std::vector<master_row_ref> rows, cons
 
 }  // namespace
 
-void make_connection_list(GtkListStore* store, const char* path, int lines_per_record)
+master_header load_master_file(GtkListStore* store, const char* path, int lines_per_record)
 {
     unique_file file = open_file(path, "re");
     if (!file)
-        return;
+        return master_header::missing;
     line_reader reader(file.get(), long_line::skip_once);
-    if (reader.read() && std::strcmp(reader.c_str(), version_line) != 0) {
-        show_error("\nMaster connection list version miscompare.\n");
-        return;
-    }
-    show_gui = TRUE;
+    if (reader.read() && std::strcmp(reader.c_str(), version_line) != 0)
+        return master_header::wrong_version;
+    master_header header = master_header::show_gui;
     if (reader.read() && std::strcmp(reader.c_str(), show_gui_line) != 0)
-        show_gui = FALSE;
+        header = master_header::hide_gui;
     reader.read();  // taskbar and kiosk lines: the options file is the authority for those
     reader.read();
 
@@ -145,6 +143,20 @@ void make_connection_list(GtkListStore* store, const char* path, int lines_per_r
     }
     if (was_empty)
         index_filled_list(store, in_list_order(std::move(rows), places.list_order()));
+    return header;
+}
+
+void apply_master_header(master_header header)
+{
+    if (header == master_header::wrong_version)
+        show_error("\nMaster connection list version miscompare.\n");
+    else if (header != master_header::missing)
+        show_gui = header == master_header::show_gui;
+}
+
+void make_connection_list(GtkListStore* store, const char* path, int lines_per_record)
+{
+    apply_master_header(load_master_file(store, path, lines_per_record));
 }
 
 int master_insert_position(GtkTreeModel* list, const std::string& name)
