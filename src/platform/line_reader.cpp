@@ -5,12 +5,12 @@
 bool line_reader::read()
 {
     // A failed read must leave the buffer as it was, so read into a copy first.
-    if (!std::fgets(spare_.data(), static_cast<int>(spare_.size()), file_))
+    if (!fgets_unlocked(spare_.data(), static_cast<int>(spare_.size()), file_))
         return false;
     buffer_.swap(spare_);
-    size_t length = std::strlen(buffer_.data());
-    bool complete = length > 0 && buffer_[length - 1] == '\n';
-    if (!complete && length == buffer_.size() - 1)
+    length_ = std::strlen(buffer_.data());
+    bool complete = length_ > 0 && buffer_[length_ - 1] == '\n';
+    if (!complete && length_ == buffer_.size() - 1)
         skip_rest_of_line();
     return true;
 }
@@ -23,16 +23,15 @@ void line_reader::skip_rest_of_line()
         return;
     int c;
     do
-        c = std::fgetc(file_);
+        c = getc_unlocked(file_);
     while (c != '\n' && c != EOF);
     last_skipped_ = c;
 }
 
 void line_reader::drop_last_char()
 {
-    size_t length = std::strlen(buffer_.data());
-    if (length > 0)
-        buffer_[length - 1] = '\0';
+    if (length_ > 0)
+        buffer_[--length_] = '\0';
 }
 
 bool line_reader::read_chopped()

@@ -1,5 +1,6 @@
 #pragma once
-// The one line reader of every text file the program reads. Lines come in through a
+// The one line reader of every text file the program reads. It is the only reader of its
+// file while it lives, so it reads without the stream's lock. Lines come in through a
 // buffer of 102 bytes (at most 101 characters); what happens to the rest of a longer
 // line depends on the file.
 #include <cstdio>
@@ -37,7 +38,7 @@ public:
     bool read_chopped();
 
     const char* c_str() const { return buffer_.data(); }
-    std::string text() const { return buffer_.data(); }
+    std::string text() const { return std::string(buffer_.data(), length_); }
 
 private:
     void skip_rest_of_line();
@@ -46,5 +47,6 @@ private:
     long_line mode_;
     std::vector<char> buffer_;
     std::vector<char> spare_;  // the next read goes here first
+    size_t length_ = 0;     // of the text in buffer_, up to its first NUL
     int last_skipped_ = 0;  // last character read by a skip; '\n' disables later skips
 };
