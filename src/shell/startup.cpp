@@ -22,6 +22,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <malloc.h>
 #include <thread>
 #include <unistd.h>
 
@@ -226,6 +227,14 @@ void load_connections()
                           current_user_filename.c_str(), user_lines_per_row);
 }
 
+// Loading leaves freed memory behind in the heap (records, sort keys, file buffers);
+// once start-up is over it goes back to the system.
+gboolean release_loading_memory(gpointer)
+{
+    malloc_trim(0);
+    return FALSE;
+}
+
 void create_admin_directories()
 {
     ensure_directory(ica_dir, "\nCouldn't create ICA support directory.\n", 2);
@@ -333,6 +342,7 @@ int kestrelle_main(int argc, char** argv, GCallback advanced_dialog)
         // A hidden shell with nothing to run restarts the machine.
         run_shell_command("reboot");
     g_timeout_add(status_interval_ms, update_status, current_user_connection_tree);
+    g_idle_add(release_loading_memory, nullptr);
     gtk_main();
     return 0;
 }
