@@ -42,18 +42,19 @@ public:
             sorted_ = !name_after(i - 1, i);
     }
 
-    // Places the next new record, whose raw name line is key and stored name is name;
-    // returns its row number in the list at this moment.
-    size_t place(const char* key, std::string name)
+    // The row number that the next new record, whose raw name line is key, takes in the
+    // list at this moment.
+    size_t place_of(const char* key) const { return sorted_ ? bisect(key) : walk(key); }
+
+    // Takes in the next new record's stored name at its place.
+    void insert(size_t at, std::string name)
     {
-        size_t at = sorted_ ? bisect(key) : walk(key);
         // The sequence holds indexes, so that an insertion moves ints, not strings.
         sequence_.insert(sequence_.begin() + at, static_cast<int>(names_.size()));
         names_.push_back(std::move(name));
         if (sorted_)
             sorted_ = !(at > 0 && name_after(at - 1, at)) &&
                       !(at + 1 < sequence_.size() && name_after(at, at + 1));
-        return at;
     }
 
     // The new records' numbers (0 for the first), in list order; only for a list that was
@@ -68,6 +69,9 @@ private:
     }
     size_t bisect(const char* key) const
     {
+        // A list this program saved comes sorted, so a record mostly goes last.
+        if (!sequence_.empty() && name_less(names_[sequence_.back()], key))
+            return sequence_.size();
         auto it = std::partition_point(sequence_.begin(), sequence_.end(),
                                        [&](int index) { return name_less(names_[index], key); });
         return it - sequence_.begin();
@@ -133,10 +137,10 @@ master_header load_master_file(GtkListStore* store, const char* path, int lines_
     const bool was_empty = places.list_order().empty();
     std::vector<master_row_ref> rows;
     while (reader.read()) {
-        std::string key = reader.text();
+        const size_t at = places.place_of(reader.c_str());
         reader.drop_last_char();
         connection_record record = read_record(reader, lines_per_record);
-        const size_t at = places.place(key.c_str(), record[MC_NAME]);
+        places.insert(at, record[MC_NAME]);
         const GtkTreeIter iter = insert_master_row(store, static_cast<int>(at), record);
         if (was_empty)
             rows.push_back({std::move(record.col[MC_NAME]), std::move(record.col[MC_TYPE]), iter});
