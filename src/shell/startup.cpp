@@ -23,6 +23,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <malloc.h>
+#include <pango/pangocairo.h>
 #include <thread>
 #include <unistd.h>
 
@@ -186,6 +187,9 @@ early_work<loaded_master> master_loading;
 
 void start_early_work()
 {
+    // Making the font map sets the font configuration up in a thread of its own, which
+    // the first text the window lays out waits for; made now, it is ready by then.
+    pango_cairo_font_map_get_default();
     support.start();
     master_loading.start([path = root_path(master_file_path)] {
         GtkListStore* list = create_master_store();
