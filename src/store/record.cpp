@@ -211,8 +211,8 @@ unsigned long decimal_column(const std::string& text)
 
 namespace {
 
-// The (name, type) pairs of a master list with their rows, in list order and sorted by
-// hash, so that a look-up (every row of a user file, every launch) needs no walk over
+// The hashes of the (name, type) pairs of a master list with their rows, in list order
+// and sorted by hash, so that a look-up (every row of a user file, every launch) needs no walk over
 // the whole list. The index lives with the list and is built on the first look-up after
 // any change of the list, unless the loader of a new list hands it the rows; its change handlers are connected only while it is current,
 // so that filling a list costs nothing here.
@@ -229,7 +229,7 @@ public:
         auto candidate = std::lower_bound(rows_.begin(), rows_.end(), hash,
                                           [](const entry& e, size_t h) { return e.hash < h; });
         for (; candidate != rows_.end() && candidate->hash == hash; ++candidate)
-            if (candidate->name == name && candidate->type == type) {
+            if (row_is(candidate->iter, name, type)) {
                 if (found)
                     *found = candidate->iter;
                 return true;
@@ -244,14 +244,12 @@ public:
     }
 
     // Takes the list's rows, in list order.
-    void adopt(std::vector<master_row_ref> rows)
+    void adopt(const std::vector<master_row_ref>& rows)
     {
         rows_.clear();
         rows_.reserve(rows.size());
-        for (master_row_ref& row : rows) {
-            const size_t hash = pair_hash(row.name, row.type);
-            rows_.push_back({hash, std::move(row.name), std::move(row.type), row.iter});
-        }
+        for (const master_row_ref& row : rows)
+            rows_.push_back({pair_hash(row.name, row.type), row.iter});
         // Equal hashes keep list order, so the first matching row is the one a walk finds.
         std::stable_sort(rows_.begin(), rows_.end(),
                          [](const entry& a, const entry& b) { return a.hash < b.hash; });
@@ -262,12 +260,18 @@ public:
     }
 
 private:
+    // Only the hash is kept: a candidate's name and type are read from the list, which
+    // keeps the index small however long the list is.
     struct entry {
         size_t hash;
-        std::string name;
-        std::string type;
         GtkTreeIter iter;
     };
+
+    bool row_is(GtkTreeIter iter, const std::string& name, const std::string& type) const
+    {
+        GtkTreeModel* model = GTK_TREE_MODEL(list_);
+        return model_text(model, &iter, MC_NAME) == name && model_text(model, &iter, MC_TYPE) == type;
+    }
 
     static size_t pair_hash(std::string_view name, std::string_view type)
     {
@@ -283,7 +287,7 @@ private:
         for (bool more = gtk_tree_model_get_iter_first(model, &iter); more;
              more = gtk_tree_model_iter_next(model, &iter))
             rows.push_back({model_text(model, &iter, MC_NAME), model_text(model, &iter, MC_TYPE), iter});
-        adopt(std::move(rows));
+        adopt(rows);
     }
 
     void forget()
@@ -323,7 +327,7 @@ bool find_master_row(GtkListStore* list, const std::string& name, const std::str
 
 void prepare_master_index(GtkListStore* list) { index_of(list).prepare(); }
 
-void index_filled_list(GtkListStore* list, std::vector<master_row_ref> rows)
+void index_filled_list(GtkListStore* list, const std::vector<master_row_ref>& rows)
 {
-    index_of(list).adopt(std::move(rows));
+    index_of(list).adopt(rows);
 }

@@ -147,7 +147,7 @@ struct master_row_ref {
 };
 // Hands the index every row of a list just filled, in list order, so that the first
 // look-up need not read them back from the list.
-void index_filled_list(GtkListStore* list, std::vector<master_row_ref> rows);
+void index_filled_list(GtkListStore* list, const std::vector<master_row_ref>& rows);
 // Brings the list's index up to date now, so that a later look-up (in a launch's child)
 // does not have to.
 void prepare_master_index(GtkListStore* list);
