@@ -5,7 +5,7 @@
 bool line_reader::read()
 {
     // A failed read must leave the buffer as it was, so read into a copy first.
-    if (!fgets_unlocked(spare_.data(), static_cast<int>(spare_.size()), file_))
+    if (!std::fgets(spare_.data(), static_cast<int>(spare_.size()), file_))
         return false;
     buffer_.swap(spare_);
     length_ = std::strlen(buffer_.data());
@@ -23,7 +23,7 @@ void line_reader::skip_rest_of_line()
         return;
     int c;
     do
-        c = getc_unlocked(file_);
+        c = std::fgetc(file_);
     while (c != '\n' && c != EOF);
     last_skipped_ = c;
 }

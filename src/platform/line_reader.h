@@ -1,6 +1,5 @@
 #pragma once
-// The one line reader of every text file the program reads. It is the only reader of its
-// file while it lives, so it reads without the stream's lock. Lines come in through a
+// The one line reader of every text file the program reads. Lines come in through a
 // buffer of 102 bytes (at most 101 characters); what happens to the rest of a longer
 // line depends on the file.
 #include <cstdio>
