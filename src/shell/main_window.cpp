@@ -311,6 +311,17 @@ void add_advanced_button(GCallback handler)
     gtk_box_reorder_child(GTK_BOX(column), advanced, help_position);
 }
 
+void expand_connection_group(GtkTreeStore* tree, GtkTreeIter* primary)
+{
+    GtkTreeView* view = root_window ? connection_view() : nullptr;
+    GtkTreeModel* model = GTK_TREE_MODEL(tree);
+    if (!view || gtk_tree_view_get_model(view) != model || !gtk_tree_model_iter_has_child(model, primary))
+        return;
+    GtkTreePath* path = gtk_tree_model_get_path(model, primary);
+    gtk_tree_view_expand_row(view, path, FALSE);
+    gtk_tree_path_free(path);
+}
+
 // The rows were expanded when the list was made, and every change of the window's state
 // expands them again.
 void show_main_window() { gtk_widget_show_all(root_window); }

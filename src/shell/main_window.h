@@ -11,6 +11,9 @@ void finish_main_window();
 // Administrators only: the "Ad_vanced" button, opening the administration window
 // through handler (given the main window).
 void add_advanced_button(GCallback handler);
+// Expands a primary row of the main window's list when tree is the list's model and the
+// row has secondaries.
+void expand_connection_group(GtkTreeStore* tree, GtkTreeIter* primary);
 // Shows the main window with every row expanded.
 void show_main_window();
 // Shows the reconnect prompt and waits until the user closes it.

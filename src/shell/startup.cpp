@@ -220,15 +220,24 @@ std::string last_existing(std::initializer_list<const char*> candidates, std::st
     return chosen;
 }
 
-void load_connections()
+// The master list from its thread, and the user trees still empty: the main window's
+// list is made on them before their rows come in.
+void take_connection_models()
 {
     const loaded_master& master = master_loading.wait();
     master_connection_list = master.list;
     apply_master_header(master.header);
     current_user_connection_tree = create_user_tree_store();
     selected_user_connection_tree = create_user_tree_store();
+}
+
+// Each group of the user's own tree is expanded in the list as it comes in, at the top
+// where the tree store finds it at once; expanding them all afterwards would find every
+// primary by counting its siblings.
+void load_user_trees()
+{
     make_connection_trees({current_user_connection_tree, selected_user_connection_tree},
-                          current_user_filename.c_str(), user_lines_per_row);
+                          current_user_filename.c_str(), user_lines_per_row, expand_connection_group);
 }
 
 // Loading leaves freed memory behind in the heap (records, sort keys, file buffers);
@@ -333,8 +342,9 @@ int kestrelle_main(int argc, char** argv, GCallback advanced_dialog)
     find_programs();
     make_x_keymap();
     make_rdesktop_keymap();
-    load_connections();
+    take_connection_models();
     finish_main_window();
+    load_user_trees();
     if (user_has_root) {
         create_admin_directories();
         add_advanced_button(advanced_dialog);

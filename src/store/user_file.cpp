@@ -81,7 +81,7 @@ struct primary_group {
 // A tree store finds the place of every new row by counting its siblings from the first,
 // so rows appended one by one make a long file slow to load. An empty tree is therefore
 // filled from the end, each row going in first, where nothing has to be counted.
-void add_groups(GtkTreeStore* tree, const std::vector<primary_group>& groups)
+void add_groups(GtkTreeStore* tree, const std::vector<primary_group>& groups, group_added_fn group_added)
 {
     const bool fill_from_end = !gtk_tree_model_iter_n_children(GTK_TREE_MODEL(tree), nullptr);
     const int position = fill_from_end ? 0 : -1;
@@ -94,6 +94,8 @@ void add_groups(GtkTreeStore* tree, const std::vector<primary_group>& groups)
         else
             for (const tree_row& row : group.secondaries)
                 insert_row(tree, &parent, -1, row, &child);
+        if (group_added)
+            group_added(tree, &parent);
     };
     if (fill_from_end)
         std::for_each(groups.rbegin(), groups.rend(), add_group);
@@ -120,7 +122,8 @@ void make_connection_tree(GtkTreeStore* tree, const char* path, int lines_per_ro
     make_connection_trees({tree}, path, lines_per_row);
 }
 
-void make_connection_trees(std::initializer_list<GtkTreeStore*> trees, const char* path, int lines_per_row)
+void make_connection_trees(std::initializer_list<GtkTreeStore*> trees, const char* path, int lines_per_row,
+                           group_added_fn group_added)
 {
     unique_file file = open_file(path, "re");
     if (!file)
@@ -158,7 +161,7 @@ void make_connection_trees(std::initializer_list<GtkTreeStore*> trees, const cha
     }
     file.reset();
     for (GtkTreeStore* tree : trees)
-        add_groups(tree, groups);
+        add_groups(tree, groups, group_added);
 }
 
 gboolean file_user_connection(GtkTreeModel* model, GtkTreePath*, GtkTreeIter* iter, gpointer stream)

@@ -11,8 +11,11 @@ inline constexpr const char* user_file_name = "/kestrel.inf";
 // Appends the rows of the file at path to tree, keeping only rows that name a
 // connection of the master list.
 void make_connection_tree(GtkTreeStore* tree, const char* path, int lines_per_row);
-// The same for several trees, the file read once.
-void make_connection_trees(std::initializer_list<GtkTreeStore*> trees, const char* path, int lines_per_row);
+// The same for several trees, the file read once. When given, group_added is called with
+// each tree and primary row once the primary's group is in that tree.
+using group_added_fn = void (*)(GtkTreeStore* tree, GtkTreeIter* primary);
+void make_connection_trees(std::initializer_list<GtkTreeStore*> trees, const char* path, int lines_per_row,
+                           group_added_fn group_added = nullptr);
 // Writes selected_user_connection_tree to the named user's file, then reloads
 // current_user_connection_tree from the running user's own file.
 void save_user_connections(GtkWidget* ignored, const char* user_name);

@@ -5,6 +5,8 @@
 #include "platform/message.h"
 #include "platform/paths.h"
 #include "shell/exit.h"
+#include "shell/main_window.h"
+#include "store/user_file.h"
 
 namespace {
 
@@ -41,6 +43,24 @@ TEST_F(shell_window_test, the_tree_is_shown_expanded_and_expands_again_when_rest
     EXPECT_TRUE(gtk_tree_view_row_expanded(view(), desk));
     gtk_tree_path_free(desk);
     save_screenshot(root_window, "main_window");
+}
+
+// Start-up makes the list on the empty tree, then loads the user's rows into it, each
+// group expanded as it comes in.
+TEST_F(shell_window_test, groups_loaded_into_the_shown_list_come_in_expanded)
+{
+    gtk_tree_store_clear(current_user_connection_tree);
+    open_main_window({false, false});
+    const std::string group = "TRUE\nDesk\nOther\nFALSE\nFALSE\nFALSE\nFALSE\nBackup\nOther\nFALSE\nFALSE\nFALSE\n";
+    write_file(root / "kestrel.inf", "Version 1.000\n" + group + "TRUE\nBackup\nOther\nFALSE\nFALSE\nFALSE\n" + group);
+    make_connection_trees({current_user_connection_tree}, (root / "kestrel.inf").c_str(), 6, expand_connection_group);
+    EXPECT_EQ(dump_model(GTK_TREE_MODEL(current_user_connection_tree), {TC_NAME}),
+              "Desk\n  Backup\nBackup\nDesk\n  Backup\n");
+    for (const char* primary : {"0", "2"}) {
+        GtkTreePath* path = gtk_tree_path_new_from_string(primary);
+        EXPECT_TRUE(gtk_tree_view_row_expanded(view(), path)) << primary;
+        gtk_tree_path_free(path);
+    }
 }
 
 // A view whose Name column sizes itself to its contents the toolkit's way, with the same
