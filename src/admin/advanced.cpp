@@ -36,7 +36,7 @@ GtkTreeModel* user_model() { return GTK_TREE_MODEL(selected_user_connection_tree
 void expand_user_view(GtkTreeView* view)
 {
     if (view)
-        gtk_tree_view_expand_all(view);
+        expand_every_group(view);
 }
 
 // --- Views ------------------------------------------------------------------------

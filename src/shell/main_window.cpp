@@ -87,7 +87,7 @@ GtkTreeView* connection_view()
 gboolean expand_rows_cb(GtkWidget*, GdkEventWindowState*, gpointer)
 {
     if (GtkTreeView* view = connection_view())
-        gtk_tree_view_expand_all(view);
+        expand_every_group(view);
     return FALSE;
 }
 
@@ -298,7 +298,7 @@ void finish_main_window()
     add_buttons(view);
     connect_close_handlers();
     g_signal_connect(root_window, "window-state-event", G_CALLBACK(expand_rows_cb), nullptr);
-    gtk_tree_view_expand_all(GTK_TREE_VIEW(view));
+    expand_every_group(GTK_TREE_VIEW(view));
 }
 
 void add_advanced_button(GCallback handler)

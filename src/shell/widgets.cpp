@@ -45,6 +45,23 @@ GtkWidget* vertical_scroller(GtkWidget* child)
     return scrolled;
 }
 
+// The list asks its model for a row by its path, and a tree store finds a row by
+// counting its siblings, so expanding every row at once (gtk_tree_view_expand_all) costs
+// the square of the rows. Connection trees are two levels deep: each top row is
+// expanded on its own, and a row already expanded is passed over before its model row
+// is looked up.
+void expand_every_group(GtkTreeView* view)
+{
+    GtkTreeModel* model = gtk_tree_view_get_model(view);
+    if (!model)
+        return;
+    const int groups = gtk_tree_model_iter_n_children(model, nullptr);
+    GtkTreePath* path = gtk_tree_path_new_first();
+    for (int i = 0; i < groups; ++i, gtk_tree_path_next(path))
+        gtk_tree_view_expand_row(view, path, FALSE);
+    gtk_tree_path_free(path);
+}
+
 void hide_while_open(GtkWidget* window, GtkWidget* other)
 {
     if (!other)

@@ -13,6 +13,9 @@ GdkPixbuf* program_icon();
 GtkWidget* program_window(const char* title);
 // A sunken scrolled area around child that scrolls up and down only.
 GtkWidget* vertical_scroller(GtkWidget* child);
+// Expands every row of a two-level tree view (a connection tree) so that each
+// secondary shows under its primary.
+void expand_every_group(GtkTreeView* view);
 // Hides other (if any) now and shows it again when window is destroyed.
 void hide_while_open(GtkWidget* window, GtkWidget* other);
 
