@@ -175,15 +175,14 @@ private:
 support_files support;
 
 // The master list is read in a thread of its own while the toolkit starts. The new list
-// is seen by nothing else until the thread has ended, and loading it only builds its rows;
-// the header's effects (show_gui, the version message) are applied where the list used
-// to be loaded.
-struct loaded_master {
-    GtkListStore* list = nullptr;
-    master_header header = master_header::missing;
-};
+// is seen by nothing else until the thread has ended, and loading it only builds its rows.
+early_work<GtkListStore*> master_loading;
 
-early_work<loaded_master> master_loading;
+// The list's names and types and its header are read by another thread in a fraction of
+// the time the list takes: the header's effects (show_gui, the version message) are
+// applied where the list used to be loaded, and the user's tree is loaded with the names
+// while the list is still being built.
+early_work<master_names> master_names_reading;
 
 void start_early_work()
 {
@@ -191,12 +190,17 @@ void start_early_work()
     // the first text the window lays out waits for; made now, it is ready by then.
     pango_cairo_font_map_get_default();
     support.start();
-    master_loading.start([path = root_path(master_file_path)] {
+    const std::string master_path = root_path(master_file_path);
+    master_names_reading.start(
+        [master_path] { return read_master_names(master_path.c_str(), master_lines_per_record); });
+    master_loading.start([master_path] {
         GtkListStore* list = create_master_store();
-        return loaded_master{list, load_master_file(list, path.c_str(), master_lines_per_record)};
+        load_master_file(list, master_path.c_str(), master_lines_per_record);
+        return list;
     });
     // No thread may still run while the program is taken down.
     std::atexit([] {
+        master_names_reading.wait();
         master_loading.wait();
         support.abandon();
     });
@@ -220,13 +224,12 @@ std::string last_existing(std::initializer_list<const char*> candidates, std::st
     return chosen;
 }
 
-// The master list from its thread, and the user trees still empty: the main window's
-// list is made on them before their rows come in.
-void take_connection_models()
+// The master list's header takes effect where the list used to be loaded, and the user
+// trees are made still empty: the main window's list is made on them before their rows
+// come in.
+void take_master_header()
 {
-    const loaded_master& master = master_loading.wait();
-    master_connection_list = master.list;
-    apply_master_header(master.header);
+    apply_master_header(master_names_reading.wait().header);
     current_user_connection_tree = create_user_tree_store();
     selected_user_connection_tree = create_user_tree_store();
 }
@@ -236,9 +239,13 @@ void take_connection_models()
 // primary by counting its siblings.
 void load_user_trees()
 {
+    const master_names names = std::move(master_names_reading.wait());
     make_connection_trees({current_user_connection_tree, selected_user_connection_tree},
-                          current_user_filename.c_str(), user_lines_per_row, expand_connection_group);
+                          current_user_filename.c_str(), user_lines_per_row, expand_connection_group,
+                          [&](const std::string& name, const std::string& type) { return names.contains(name, type); });
 }
+
+void take_master_list() { master_connection_list = master_loading.wait(); }
 
 // Loading leaves freed memory behind in the heap (records, sort keys, file buffers);
 // once start-up is over it goes back to the system.
@@ -342,9 +349,10 @@ int kestrelle_main(int argc, char** argv, GCallback advanced_dialog)
     find_programs();
     make_x_keymap();
     make_rdesktop_keymap();
-    take_connection_models();
+    take_master_header();
     finish_main_window();
     load_user_trees();
+    take_master_list();
     if (user_has_root) {
         create_admin_directories();
         add_advanced_button(advanced_dialog);

@@ -89,7 +89,9 @@ private:
     bool sorted_ = true;
 };
 
-connection_record read_record(line_reader& reader, int lines_per_record)
+// Reads the rest of a record whose name line is in the reader; columns from kept_columns
+// on are read past but not kept.
+connection_record read_record(line_reader& reader, int lines_per_record, int kept_columns = master_file_columns)
 {
     connection_record record;
     record.col[MC_NAME] = reader.text();
@@ -97,6 +99,8 @@ connection_record read_record(line_reader& reader, int lines_per_record)
     for (int c = 1; c <= last; ++c) {
         // A record cut short by the end of the file keeps what the buffer held.
         reader.read_chopped();
+        if (c >= kept_columns)
+            continue;
         if (c == MC_PING)
             record.ping_first = std::strcmp(reader.c_str(), ping_text) == 0;
         else
@@ -115,14 +119,10 @@ std::vector<master_row_ref> in_list_order(std::vector<master_row_ref> rows, cons
     return sorted;
 }
 
-}  // namespace
-
-master_header load_master_file(GtkListStore* store, const char* path, int lines_per_record)
+// Reads the header of an open list; its records follow. A list of another version is
+// read no further.
+master_header read_header(line_reader& reader)
 {
-    unique_file file = open_file(path, "re");
-    if (!file)
-        return master_header::missing;
-    line_reader reader(file.get(), long_line::skip_once);
     if (reader.read() && std::strcmp(reader.c_str(), version_line) != 0)
         return master_header::wrong_version;
     master_header header = master_header::show_gui;
@@ -130,6 +130,70 @@ master_header load_master_file(GtkListStore* store, const char* path, int lines_
         header = master_header::hide_gui;
     reader.read();  // taskbar and kiosk lines: the options file is the authority for those
     reader.read();
+    return header;
+}
+
+std::string name_type_key(const std::string& name, const std::string& type)
+{
+    // A line holds no line end, so the pair is told apart by one.
+    return name + '\n' + type;
+}
+
+}  // namespace
+
+void master_names::add(const std::string& name, const std::string& type)
+{
+    const std::string key = name_type_key(name, type);
+    spans_.emplace_back(text_.size(), key.size());
+    text_ += key;
+}
+
+std::string_view master_names::key_at(const std::pair<size_t, size_t>& span) const
+{
+    return std::string_view(text_).substr(span.first, span.second);
+}
+
+void master_names::sort()
+{
+    std::sort(spans_.begin(), spans_.end(), [&](const auto& a, const auto& b) { return key_at(a) < key_at(b); });
+}
+
+bool master_names::contains(const std::string& name, const std::string& type) const
+{
+    const std::string key = name_type_key(name, type);
+    auto at = std::lower_bound(spans_.begin(), spans_.end(), key,
+                               [&](const auto& span, const std::string& k) { return key_at(span) < k; });
+    return at != spans_.end() && key_at(*at) == key;
+}
+
+master_names read_master_names(const char* path, int lines_per_record)
+{
+    master_names names;
+    unique_file file = open_file(path, "re");
+    if (!file)
+        return names;
+    line_reader reader(file.get(), long_line::skip_once);
+    names.header = read_header(reader);
+    if (names.header == master_header::wrong_version)
+        return names;
+    while (reader.read()) {
+        reader.drop_last_char();
+        connection_record record = read_record(reader, lines_per_record, MC_TYPE + 1);
+        names.add(record[MC_NAME], record[MC_TYPE]);
+    }
+    names.sort();
+    return names;
+}
+
+master_header load_master_file(GtkListStore* store, const char* path, int lines_per_record)
+{
+    unique_file file = open_file(path, "re");
+    if (!file)
+        return master_header::missing;
+    line_reader reader(file.get(), long_line::skip_once);
+    const master_header header = read_header(reader);
+    if (header == master_header::wrong_version)
+        return header;
 
     insertion_order places(GTK_TREE_MODEL(store));
     // A list filled from empty gives its index every row, so that the first look-up

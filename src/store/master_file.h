@@ -4,6 +4,9 @@
 
 #include <cstdio>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 inline constexpr const char* master_file_path = "/etc/.kestrel/kestrel.master";
 
@@ -17,6 +20,27 @@ void make_connection_list(GtkListStore* store, const char* path, int lines_per_r
 enum class master_header { missing, wrong_version, show_gui, hide_gui };
 master_header load_master_file(GtkListStore* store, const char* path, int lines_per_record);
 void apply_master_header(master_header header);
+
+// The name and type of every connection of a master list file and its header, read the
+// way load_master_file reads them but without building rows: what a user tree's load
+// needs to know of the list, ready long before the list itself.
+class master_names {
+public:
+    master_header header = master_header::missing;
+    void add(const std::string& name, const std::string& type);
+    // Once every pair is in: makes them searchable.
+    void sort();
+    bool contains(const std::string& name, const std::string& type) const;
+    size_t size() const { return spans_.size(); }
+
+private:
+    // The pairs lie end to end in one text and are found by bisection, so that they cost
+    // a few allocations however long the list is.
+    std::string_view key_at(const std::pair<size_t, size_t>& span) const;
+    std::string text_;
+    std::vector<std::pair<size_t, size_t>> spans_;  // offset and length of each pair in text_
+};
+master_names read_master_names(const char* path, int lines_per_record);
 
 // Where a connection added by an editor goes: before the first row whose name is not
 // less than name, compared without regard to case; -1 (the end) when there is none.

@@ -123,8 +123,13 @@ void make_connection_tree(GtkTreeStore* tree, const char* path, int lines_per_ro
 }
 
 void make_connection_trees(std::initializer_list<GtkTreeStore*> trees, const char* path, int lines_per_row,
-                           group_added_fn group_added)
+                           group_added_fn group_added, const connection_known_fn& known)
 {
+    auto in_master_list = [&](const tree_row& row) {
+        if (known)
+            return known(row.name, row.type);
+        return master_connection_list && find_master_row(master_connection_list, row.name, row.type, nullptr);
+    };
     unique_file file = open_file(path, "re");
     if (!file)
         return;
@@ -150,8 +155,7 @@ void make_connection_trees(std::initializer_list<GtkTreeStore*> trees, const cha
         if (needs_parent)
             row.primary = true;
         bool top_level = starts_primary || needs_parent;
-        needs_parent = !master_connection_list ||
-                       !find_master_row(master_connection_list, row.name, row.type, nullptr);
+        needs_parent = !in_master_list(row);
         if (needs_parent)
             continue;
         if (top_level)

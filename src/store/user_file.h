@@ -3,6 +3,7 @@
 #include "store/record.h"
 
 #include <cstdio>
+#include <functional>
 #include <initializer_list>
 #include <string>
 
@@ -12,10 +13,12 @@ inline constexpr const char* user_file_name = "/kestrel.inf";
 // connection of the master list.
 void make_connection_tree(GtkTreeStore* tree, const char* path, int lines_per_row);
 // The same for several trees, the file read once. When given, group_added is called with
-// each tree and primary row once the primary's group is in that tree.
+// each tree and primary row once the primary's group is in that tree, and known tells
+// which (name, type) pairs the master list holds in place of the list itself.
 using group_added_fn = void (*)(GtkTreeStore* tree, GtkTreeIter* primary);
+using connection_known_fn = std::function<bool(const std::string& name, const std::string& type)>;
 void make_connection_trees(std::initializer_list<GtkTreeStore*> trees, const char* path, int lines_per_row,
-                           group_added_fn group_added = nullptr);
+                           group_added_fn group_added = nullptr, const connection_known_fn& known = nullptr);
 // Writes selected_user_connection_tree to the named user's file, then reloads
 // current_user_connection_tree from the running user's own file.
 void save_user_connections(GtkWidget* ignored, const char* user_name);

@@ -27,10 +27,33 @@ std::string written(GtkListStore* list)
     return fuzz_stream_text(files.master, &master_text, &master_size);
 }
 
+// Start-up loads the user's tree with the names read on their own: they must be exactly
+// the list's (name, type) pairs.
+void check_names(GtkListStore* list, master_header header, const std::string& path)
+{
+    const master_names names = read_master_names(path.c_str(), lines_per_record);
+    if (names.header != header)
+        fuzz_fail("the names were read with another header", "", "");
+    GtkTreeModel* model = GTK_TREE_MODEL(list);
+    GtkTreeIter iter;
+    size_t rows = 0;
+    for (bool more = gtk_tree_model_get_iter_first(model, &iter); more; more = gtk_tree_model_iter_next(model, &iter)) {
+        ++rows;
+        const std::string name = model_text(model, &iter, MC_NAME);
+        const std::string type = model_text(model, &iter, MC_TYPE);
+        if (!names.contains(name, type))
+            fuzz_fail("a row is missing from the names", "", name + "\n" + type);
+    }
+    if (names.size() != rows)
+        fuzz_fail("the names and the list differ in number", std::to_string(rows), std::to_string(names.size()));
+}
+
 std::string load_and_write(const std::string& path)
 {
     GtkListStore* list = create_master_store();
-    make_connection_list(list, path.c_str(), lines_per_record);
+    const master_header header = load_master_file(list, path.c_str(), lines_per_record);
+    apply_master_header(header);
+    check_names(list, header, path);
     std::string text = written(list);
     g_object_unref(list);
     return text;
