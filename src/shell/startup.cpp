@@ -237,12 +237,27 @@ void take_master_header()
 // Each group of the user's own tree is expanded in the list as it comes in, at the top
 // where the tree store finds it at once; expanding them all afterwards would find every
 // primary by counting its siblings.
-void load_user_trees()
+void load_user_tree()
 {
     const master_names names = std::move(master_names_reading.wait());
-    make_connection_trees({current_user_connection_tree, selected_user_connection_tree},
-                          current_user_filename.c_str(), user_lines_per_row, expand_connection_group,
+    make_connection_trees({current_user_connection_tree}, current_user_filename.c_str(), user_lines_per_row,
+                          expand_connection_group,
                           [&](const std::string& name, const std::string& type) { return names.contains(name, type); });
+}
+
+// The administered user's tree starts as the running user's own, and only the Advanced
+// window shows or changes it. Rather than loading the file twice at start-up, its rows
+// are copied from the user's own tree when the window is first opened, before anything
+// else can have changed them.
+void (*advanced_dialog_handler)(GtkWidget*, gpointer) = nullptr;
+
+void open_advanced_dialog(GtkWidget* button, gpointer window)
+{
+    static bool copied = false;
+    if (!copied)
+        copy_connection_tree(GTK_TREE_MODEL(current_user_connection_tree), selected_user_connection_tree);
+    copied = true;
+    advanced_dialog_handler(button, window);
 }
 
 void take_master_list() { master_connection_list = master_loading.wait(); }
@@ -351,11 +366,12 @@ int kestrelle_main(int argc, char** argv, GCallback advanced_dialog)
     make_rdesktop_keymap();
     take_master_header();
     finish_main_window();
-    load_user_trees();
+    load_user_tree();
     take_master_list();
     if (user_has_root) {
         create_admin_directories();
-        add_advanced_button(advanced_dialog);
+        advanced_dialog_handler = reinterpret_cast<void (*)(GtkWidget*, gpointer)>(advanced_dialog);
+        add_advanced_button(G_CALLBACK(open_advanced_dialog));
     }
     int started = start_automatic_connections(current_user_connection_tree);
     if (show_gui || user_has_root)

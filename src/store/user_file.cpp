@@ -103,6 +103,21 @@ void add_groups(GtkTreeStore* tree, const std::vector<primary_group>& groups, gr
         std::for_each(groups.begin(), groups.end(), add_group);
 }
 
+// A row's columns as its file holds them: the process and status columns as a load
+// leaves them.
+tree_row file_columns(GtkTreeModel* model, GtkTreeIter* iter)
+{
+    const tree_row shown = read_tree_row(model, iter);
+    tree_row row;
+    row.primary = shown.primary;
+    row.name = shown.name;
+    row.type = shown.type;
+    row.automatic = shown.automatic;
+    row.persistent = shown.persistent;
+    row.prompt = shown.prompt;
+    return row;
+}
+
 void write_flag(FILE* stream, bool value)
 {
     std::fputs(value ? true_text : false_text, stream);
@@ -166,6 +181,20 @@ void make_connection_trees(std::initializer_list<GtkTreeStore*> trees, const cha
     file.reset();
     for (GtkTreeStore* tree : trees)
         add_groups(tree, groups, group_added);
+}
+
+void copy_connection_tree(GtkTreeModel* from, GtkTreeStore* to)
+{
+    std::vector<primary_group> groups;
+    GtkTreeIter primary, secondary;
+    for (bool more = gtk_tree_model_get_iter_first(from, &primary); more;
+         more = gtk_tree_model_iter_next(from, &primary)) {
+        groups.push_back({file_columns(from, &primary), {}});
+        for (bool child = gtk_tree_model_iter_children(from, &secondary, &primary); child;
+             child = gtk_tree_model_iter_next(from, &secondary))
+            groups.back().secondaries.push_back(file_columns(from, &secondary));
+    }
+    add_groups(to, groups, nullptr);
 }
 
 gboolean file_user_connection(GtkTreeModel* model, GtkTreePath*, GtkTreeIter* iter, gpointer stream)

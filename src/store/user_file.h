@@ -19,6 +19,8 @@ using group_added_fn = void (*)(GtkTreeStore* tree, GtkTreeIter* primary);
 using connection_known_fn = std::function<bool(const std::string& name, const std::string& type)>;
 void make_connection_trees(std::initializer_list<GtkTreeStore*> trees, const char* path, int lines_per_row,
                            group_added_fn group_added = nullptr, const connection_known_fn& known = nullptr);
+// Appends the rows of from to to as a load of from's file would have made them.
+void copy_connection_tree(GtkTreeModel* from, GtkTreeStore* to);
 // Writes selected_user_connection_tree to the named user's file, then reloads
 // current_user_connection_tree from the running user's own file.
 void save_user_connections(GtkWidget* ignored, const char* user_name);

@@ -80,6 +80,27 @@ TEST_F(user_file_test, save_writes_the_selected_tree_and_reloads_the_current_one
                                                    "TRUE|Desk|RDP|FALSE|FALSE|FALSE|0|Not Connected\n");
 }
 
+// The administered user's tree starts as a copy of the running user's: it must hold what
+// a load of the same file holds, not what sessions have since shown in the list.
+TEST_F(user_file_test, a_copied_tree_is_the_tree_its_file_loads_to)
+{
+    write_file(root / "kestrel.inf", "Version 1.000\nTRUE\nDesk\nRDP\nTRUE\nFALSE\nTRUE\n"
+                                     "FALSE\nMail\nRDP\nFALSE\nTRUE\nFALSE\nTRUE\nWeb1\nRDP\nFALSE\nFALSE\nTRUE\n");
+    GtkTreeStore* shown = create_user_tree_store();
+    make_connection_tree(shown, (root / "kestrel.inf").c_str(), 6);
+    GtkTreeIter desk;
+    ASSERT_TRUE(gtk_tree_model_get_iter_first(GTK_TREE_MODEL(shown), &desk));
+    gtk_tree_store_set(shown, &desk, TC_PID, "4242", TC_STATUS, "Active", TC_POLLS, 3, -1);
+    GtkTreeStore* copy = create_user_tree_store();
+    copy_connection_tree(GTK_TREE_MODEL(shown), copy);
+    const std::string idle = "|0|Not Connected\n";
+    EXPECT_EQ(shape(copy), "TRUE|Desk|RDP|TRUE|FALSE|TRUE" + idle + "  FALSE|Mail|RDP|FALSE|TRUE|FALSE" + idle +
+                               "TRUE|Web1|RDP|FALSE|FALSE|TRUE" + idle);
+    EXPECT_EQ(dump_model(GTK_TREE_MODEL(copy), {TC_POLLS}), "0\n  0\n0\n");
+    g_object_unref(shown);
+    g_object_unref(copy);
+}
+
 TEST_F(user_file_test, save_failures_are_reported)
 {
     save_user_connections(nullptr, "nobody");
