@@ -22,7 +22,7 @@ class line_reader {
 public:
     // capacity is the buffer size: a line comes in as at most capacity - 1 characters.
     line_reader(FILE* file, long_line mode, int capacity = line_buffer_size)
-        : file_(file), mode_(mode), buffer_(capacity, '\0'), spare_(capacity, '\0')
+        : file_(file), mode_(mode), buffer_(capacity, '\0'), spare_(capacity, '\0'), block_(block_size)
     {
     }
 
@@ -36,10 +36,20 @@ public:
     // read() followed by drop_last_char(), the way the store reads every line.
     bool read_chopped();
 
+    // Starts again at the beginning of the file.
+    void rewind();
+
     const char* c_str() const { return buffer_.data(); }
     std::string text() const { return std::string(buffer_.data(), length_); }
 
 private:
+    // The file is read in blocks and cut into lines here, which costs a fraction of a
+    // library call per line; lines come out as fgets would give them.
+    static constexpr size_t block_size = 16 * 1024;
+    bool fill_block();
+    // Up to count bytes of the current line (through its '\n') out of the blocks, into
+    // to when given. The number taken; 0 at the end of the file.
+    size_t take_line(char* to, size_t count);
     void skip_rest_of_line();
 
     FILE* file_;
@@ -48,4 +58,8 @@ private:
     std::vector<char> spare_;  // the next read goes here first
     size_t length_ = 0;     // of the text in buffer_, up to its first NUL
     int last_skipped_ = 0;  // last character read by a skip; '\n' disables later skips
+    std::vector<char> block_;
+    size_t block_start_ = 0;  // the unread bytes of block_
+    size_t block_end_ = 0;
+    bool read_failed_ = false;  // a read error since the line began
 };

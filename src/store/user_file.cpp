@@ -155,7 +155,7 @@ void make_connection_trees(std::initializer_list<GtkTreeStore*> trees, const cha
     bool old_format = std::strstr(reader.c_str(), "Version") == nullptr;
     if (old_format) {
         --lines_per_row;
-        std::rewind(file.get());
+        reader.rewind();
     }
 
     bool needs_parent = true;

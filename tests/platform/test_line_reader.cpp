@@ -2,6 +2,8 @@
 
 #include "support/test_support.h"
 
+#include <algorithm>
+
 namespace {
 
 // Every read of a file as the texts a reader sees, "|" after each read, "<end>" when
@@ -45,5 +47,21 @@ TEST(line_reader, long_lines_line_ends_and_the_end_of_the_file)
     // The buffer size is chosen per file.
     EXPECT_EQ(reads(std::string(250, 'h') + "\n", long_line::pieces, false, 3, 200),
               std::string(199, 'h') + "|" + std::string(51, 'h') + "\n|<end>" + std::string(51, 'h') + "\n|");
+}
+// The file is read in blocks of 16 KiB: lines that cross from one block into the next,
+// an over-long one among them, come out as any other.
+TEST(line_reader, lines_across_the_reads_of_the_file_come_out_whole)
+{
+    const size_t block = 16 * 1024;
+    std::string contents, expected;
+    for (int i = 0; contents.size() < 3 * block; ++i) {
+        std::string line = "line " + std::to_string(i) + std::string(i % 80, '.');
+        if (contents.size() < block && contents.size() + 100 > block && contents.find('L') == std::string::npos)
+            line += std::string(150, 'L');
+        contents += line + "\n";
+        expected += line.substr(0, 100) + "|";
+    }
+    const int lines = static_cast<int>(std::count(contents.begin(), contents.end(), '\n'));
+    EXPECT_EQ(reads(contents, long_line::skip_once, true, lines), expected);
 }
 }  // namespace
