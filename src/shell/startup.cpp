@@ -240,9 +240,9 @@ void take_master_header()
 void load_user_tree()
 {
     const master_names names = std::move(master_names_reading.wait());
-    make_connection_trees({current_user_connection_tree}, current_user_filename.c_str(), user_lines_per_row,
-                          expand_connection_group,
-                          [&](const std::string& name, const std::string& type) { return names.contains(name, type); });
+    make_connection_tree(current_user_connection_tree, current_user_filename.c_str(), user_lines_per_row,
+                         expand_connection_group,
+                         [&](const std::string& name, const std::string& type) { return names.contains(name, type); });
 }
 
 // The administered user's tree starts as the running user's own, and only the Advanced

@@ -132,13 +132,8 @@ void write_text(FILE* stream, const std::string& text)
 
 }  // namespace
 
-void make_connection_tree(GtkTreeStore* tree, const char* path, int lines_per_row)
-{
-    make_connection_trees({tree}, path, lines_per_row);
-}
-
-void make_connection_trees(std::initializer_list<GtkTreeStore*> trees, const char* path, int lines_per_row,
-                           group_added_fn group_added, const connection_known_fn& known)
+void make_connection_tree(GtkTreeStore* tree, const char* path, int lines_per_row, group_added_fn group_added,
+                          const connection_known_fn& known)
 {
     auto in_master_list = [&](const tree_row& row) {
         if (known)
@@ -179,8 +174,7 @@ void make_connection_trees(std::initializer_list<GtkTreeStore*> trees, const cha
             groups.back().secondaries.push_back(std::move(row));
     }
     file.reset();
-    for (GtkTreeStore* tree : trees)
-        add_groups(tree, groups, group_added);
+    add_groups(tree, groups, group_added);
 }
 
 void copy_connection_tree(GtkTreeModel* from, GtkTreeStore* to)

@@ -4,21 +4,18 @@
 
 #include <cstdio>
 #include <functional>
-#include <initializer_list>
 #include <string>
 
 inline constexpr const char* user_file_name = "/kestrel.inf";
 
 // Appends the rows of the file at path to tree, keeping only rows that name a
-// connection of the master list.
-void make_connection_tree(GtkTreeStore* tree, const char* path, int lines_per_row);
-// The same for several trees, the file read once. When given, group_added is called with
-// each tree and primary row once the primary's group is in that tree, and known tells
-// which (name, type) pairs the master list holds in place of the list itself.
+// connection of the master list. When given, group_added is called with the tree and
+// each primary row once the primary's group is in, and known tells which (name, type)
+// pairs the master list holds in place of the list itself.
 using group_added_fn = void (*)(GtkTreeStore* tree, GtkTreeIter* primary);
 using connection_known_fn = std::function<bool(const std::string& name, const std::string& type)>;
-void make_connection_trees(std::initializer_list<GtkTreeStore*> trees, const char* path, int lines_per_row,
-                           group_added_fn group_added = nullptr, const connection_known_fn& known = nullptr);
+void make_connection_tree(GtkTreeStore* tree, const char* path, int lines_per_row,
+                          group_added_fn group_added = nullptr, const connection_known_fn& known = nullptr);
 // Appends the rows of from to to as a load of from's file would have made them.
 void copy_connection_tree(GtkTreeModel* from, GtkTreeStore* to);
 // Writes selected_user_connection_tree to the named user's file, then reloads

@@ -411,8 +411,8 @@ void admin_test::load(const std::string& master_list, const std::string& user_tr
     write_file(root / "etc/.kestrel/kestrel.master", master_list);
     write_file(current_user_filename, user_tree);
     make_connection_list(master_connection_list, (root / "etc/.kestrel/kestrel.master").c_str(), 35);
-    make_connection_trees({current_user_connection_tree, selected_user_connection_tree},
-                          current_user_filename.c_str(), 6);
+    for (GtkTreeStore* tree : {current_user_connection_tree, selected_user_connection_tree})
+        make_connection_tree(tree, current_user_filename.c_str(), 6);
 }
 
 GtkWidget* admin_test::open_advanced()

@@ -53,7 +53,7 @@ TEST_F(shell_window_test, groups_loaded_into_the_shown_list_come_in_expanded)
     open_main_window({false, false});
     const std::string group = "TRUE\nDesk\nOther\nFALSE\nFALSE\nFALSE\nFALSE\nBackup\nOther\nFALSE\nFALSE\nFALSE\n";
     write_file(root / "kestrel.inf", "Version 1.000\n" + group + "TRUE\nBackup\nOther\nFALSE\nFALSE\nFALSE\n" + group);
-    make_connection_trees({current_user_connection_tree}, (root / "kestrel.inf").c_str(), 6, expand_connection_group);
+    make_connection_tree(current_user_connection_tree, (root / "kestrel.inf").c_str(), 6, expand_connection_group);
     EXPECT_EQ(dump_model(GTK_TREE_MODEL(current_user_connection_tree), {TC_NAME}),
               "Desk\n  Backup\nBackup\nDesk\n  Backup\n");
     for (const char* primary : {"0", "2"}) {
