@@ -8,10 +8,10 @@
 //
 // The fake is found through KEST_RECORD_ARGV, else in the build tree beside this
 // program (../tests/launch/record_argv).
-#include "launch/spawn.h"
-#include "ica/paths.h"
 #include "launch/command_line.h"
+#include "launch/spawn.h"
 #include "shell/globals.h"
+#include "store/ica_paths.h"
 #include "store/models.h"
 #include "store/record.h"
 

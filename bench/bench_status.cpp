@@ -1,10 +1,10 @@
 // One status poll over 200 running sessions: a non-blocking wait and a poll count
 // update per row.
-#include "ica/paths.h"
 #include "launch/command_line.h"
 #include "shell/globals.h"
-#include "store/models.h"
 #include "shell/status_monitor.h"
+#include "store/ica_paths.h"
+#include "store/models.h"
 #include "store/record.h"
 
 #include <benchmark/benchmark.h>

@@ -1,10 +1,10 @@
 // Loading and saving master lists (with a user tree naming every connection) of 100,
 // 1,000 and 10,000 connections. Prints milliseconds per load and per save.
-#include "ica/paths.h"
 #include "launch/command_line.h"
 #include "shell/globals.h"
-#include "store/models.h"
+#include "store/ica_paths.h"
 #include "store/master_file.h"
+#include "store/models.h"
 #include "store/save.h"
 #include "store/user_file.h"
 

@@ -10,11 +10,11 @@
 #include "platform/users.h"
 #include "shell/globals.h"
 #include "shell/options.h"
-#include "shell/widgets.h"
 #include "store/master_file.h"
 #include "store/models.h"
 #include "store/save.h"
 #include "store/user_file.h"
+#include "ui/widgets.h"
 
 #include <algorithm>
 

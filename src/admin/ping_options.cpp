@@ -1,10 +1,10 @@
 #include "admin/ping_options.h"
 
-#include "editors/form.h"
-#include "shell/widgets.h"
 #include "store/models.h"
 #include "store/record.h"
 #include "store/save.h"
+#include "ui/form.h"
+#include "ui/widgets.h"
 
 namespace {
 

@@ -5,10 +5,10 @@
 #include "platform/paths.h"
 #include "shell/globals.h"
 #include "shell/status_monitor.h"
-#include "shell/widgets.h"
 #include "store/models.h"
 #include "store/save.h"
 #include "store/user_file.h"
+#include "ui/widgets.h"
 
 #include <sys/statvfs.h>
 

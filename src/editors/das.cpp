@@ -1,9 +1,9 @@
 // The DAS editor: a DAS connection is its name; the client decides the rest.
 #include "editors/editor_save.h"
 #include "editors/editors.h"
-#include "editors/form.h"
 #include "platform/paths.h"
 #include "platform/shell_command.h"
+#include "ui/form.h"
 
 namespace {
 

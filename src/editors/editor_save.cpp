@@ -3,11 +3,11 @@
 #include "editors/connect_info.h"
 #include "platform/message.h"
 #include "shell/globals.h"
-#include "shell/widgets.h"
 #include "store/master_file.h"
 #include "store/models.h"
 #include "store/save.h"
 #include "store/user_file.h"
+#include "ui/widgets.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 // widget block handed to every callback, and the end of every Save (name checks for a
 // new connection, the sorted insertion, the master list save and the offer to the
 // administered user).
-#include "editors/binding.h"
+#include "ui/binding.h"
 
 #include <gtk/gtk.h>
 

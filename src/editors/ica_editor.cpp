@@ -5,12 +5,12 @@
 
 #include "editors/connect_info.h"
 #include "editors/editors.h"
-#include "editors/form.h"
 #include "ica/server_location.h"
 #include "ica/wfclient.h"
 #include "platform/message.h"
-#include "shell/widgets.h"
 #include "store/choices.h"
+#include "ui/form.h"
+#include "ui/widgets.h"
 
 #include <vector>
 

@@ -6,14 +6,14 @@
 #include "editors/choice_lists.h"
 #include "editors/connect_info.h"
 #include "editors/editors.h"
-#include "editors/form.h"
 #include "editors/rdp_rules.h"
 #include "keymaps/keymaps.h"
 #include "platform/paths.h"
 #include "shell/globals.h"
-#include "shell/widgets.h"
 #include "store/choices.h"
 #include "store/models.h"
+#include "ui/form.h"
+#include "ui/widgets.h"
 
 namespace {
 

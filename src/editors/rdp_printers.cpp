@@ -7,7 +7,7 @@
 #include "platform/file.h"
 #include "platform/message.h"
 #include "platform/paths.h"
-#include "shell/widgets.h"
+#include "ui/widgets.h"
 
 namespace {
 

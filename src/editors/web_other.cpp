@@ -2,7 +2,7 @@
 // line.
 #include "editors/editor_save.h"
 #include "editors/editors.h"
-#include "editors/form.h"
+#include "ui/form.h"
 
 namespace {
 

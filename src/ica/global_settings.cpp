@@ -1,8 +1,8 @@
 #include "ica/global_settings.h"
 
 #include "ica/server_location.h"
-#include "shell/widgets.h"
 #include "store/choices.h"
+#include "ui/widgets.h"
 
 #include <string>
 

@@ -1,9 +1,9 @@
 #include "ica/server_location.h"
 
-#include "ica/paths.h"
 #include "ica/wfclient.h"
-#include "shell/widgets.h"
 #include "store/choices.h"
+#include "store/ica_paths.h"
+#include "ui/widgets.h"
 
 #include <vector>
 

@@ -1,13 +1,13 @@
 #include "launch/command_line.h"
 
 #include "keymaps/keymaps.h"
-#include "launch/password.h"
 #include "platform/file.h"
 #include "platform/line_reader.h"
 #include "platform/paths.h"
 #include "platform/shell_command.h"
-#include "ica/paths.h"
 #include "store/choices.h"
+#include "store/ica_paths.h"
+#include "store/password.h"
 
 #include <cctype>
 #include <cstdio>

@@ -4,6 +4,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+std::string tmp_dir = "/tmp/.kestrel";
+
 int create_fresh_file(const std::string& path)
 {
     struct stat st;

@@ -5,6 +5,8 @@
 
 #include <string>
 
+extern std::string tmp_dir;  // support directory, "/tmp/.kestrel"; start-up applies the root prefix
+
 // Creates path afresh (O_CREAT | O_EXCL | O_NOFOLLOW) with mode 0666 less the umask, as
 // fopen would. A regular file of the running user left by an earlier run is removed
 // first; a link, another user's file or anything else there counts as "cannot be

@@ -2,10 +2,11 @@
 
 #include "platform/log.h"
 #include "platform/shell_command.h"
+#include "platform/tmp_files.h"
 #include "shell/globals.h"
-#include "store/models.h"
-#include "shell/widgets.h"
 #include "shell/status_monitor.h"
+#include "store/models.h"
+#include "ui/widgets.h"
 
 #include <array>
 #include <cerrno>

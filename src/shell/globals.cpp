@@ -12,7 +12,6 @@ int debian = 0;
 int use_instance_file = 0;
 
 std::string instance_file;
-std::string tmp_dir = "/tmp/.kestrel";
 std::string current_user_name;
 std::string selected_user_name;
 std::string home_dir;

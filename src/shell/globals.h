@@ -1,7 +1,8 @@
 #pragma once
 // The shell's process-wide state, set once by start-up and living for the whole run.
-// The connection models belong to store/, seedchars to launch/password.h, the Citrix
-// paths to ica/paths.h and the editors' scratch record to editors/.
+// The connection models belong to store/, seedchars to store/password.h, the Citrix
+// paths to store/ica_paths.h, tmp_dir to platform/tmp_files.h and the editors' scratch
+// record to editors/.
 #include <gtk/gtk.h>
 #include <string>
 
@@ -18,7 +19,6 @@ extern int use_instance_file;  // /bin/busybox exists: the instance guard uses a
 
 // Path globals hold resolved paths (root_path applied), so they can be used as they are.
 extern std::string instance_file;          // tmp_dir + "/running"
-extern std::string tmp_dir;                // support directory, "/tmp/.kestrel"
 extern std::string current_user_name;      // the running user's login name
 extern std::string selected_user_name;     // the user being administered
 extern std::string home_dir;               // the toolkit's idea of the home directory

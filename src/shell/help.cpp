@@ -4,7 +4,7 @@
 #include "platform/line_reader.h"
 #include "platform/paths.h"
 #include "shell/help_text.h"
-#include "shell/widgets.h"
+#include "ui/widgets.h"
 
 #include <cstdio>
 #include <string>

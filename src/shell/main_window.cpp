@@ -7,9 +7,9 @@
 #include "shell/exit.h"
 #include "shell/globals.h"
 #include "shell/help.h"
-#include "shell/widgets.h"
 #include "store/models.h"
 #include "store/record.h"
+#include "ui/widgets.h"
 
 #include <algorithm>
 #include <string>

@@ -1,9 +1,7 @@
 #include "shell/startup.h"
 
-#include "ica/paths.h"
 #include "keymaps/keymaps.h"
 #include "launch/command_line.h"
-#include "launch/password.h"
 #include "launch/spawn.h"
 #include "platform/log.h"
 #include "platform/message.h"
@@ -16,8 +14,10 @@
 #include "shell/main_window.h"
 #include "shell/options.h"
 #include "shell/status_monitor.h"
+#include "store/ica_paths.h"
 #include "store/master_file.h"
 #include "store/models.h"
+#include "store/password.h"
 #include "store/user_file.h"
 
 #include <cstdio>

@@ -1,7 +1,7 @@
 #include "store/appsrv.h"
 
-#include "launch/password.h"
 #include "store/choices.h"
+#include "store/password.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,11 +1,11 @@
 #include "store/save.h"
 
-#include "ica/paths.h"
 #include "platform/file.h"
 #include "platform/message.h"
 #include "platform/paths.h"
 #include "platform/shell_command.h"
 #include "store/appsrv.h"
+#include "store/ica_paths.h"
 #include "store/master_file.h"
 #include "store/models.h"
 

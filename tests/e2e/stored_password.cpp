@@ -2,7 +2,7 @@
 // master lists by hand and need the stored form of a known password, made by the
 // program's own code rather than copied in as an opaque text.
 // Usage: e2e_stored_password PASSWORD CONNECTION_NAME
-#include "launch/password.h"
+#include "store/password.h"
 
 #include <cstdio>
 

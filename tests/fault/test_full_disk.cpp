@@ -1,9 +1,10 @@
 // Saves on file systems that fill up half-way. /etc/.kestrel and /tmp/.kestrel (or /etc
 // and /tmp for the options file) are small tmpfs mounts of many sizes, in a private
 // mount namespace of a child process; the child reports each outcome on a pipe.
-#include "ica/paths.h"
+#include "platform/tmp_files.h"
 #include "shell/globals.h"
 #include "shell/options.h"
+#include "store/ica_paths.h"
 #include "store/models.h"
 #include "store/record.h"
 #include "store/save.h"

@@ -1,9 +1,9 @@
 // The appsrv.ini writer: an ICA record with any column texts (one input line per
 // column) gives its section and header line without harm.
 #include "fuzz_support.h"
-#include "launch/password.h"
-#include "store/models.h"
 #include "store/appsrv.h"
+#include "store/models.h"
+#include "store/password.h"
 #include "store/record.h"
 
 #include <cstdlib>

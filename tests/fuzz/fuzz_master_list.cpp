@@ -1,10 +1,10 @@
 // The master list reader and writer: any file loads without harm, and what the writer
 // makes of it reads back to the same file (a second round changes nothing).
 #include "fuzz_support.h"
-#include "launch/password.h"
-#include "store/models.h"
 #include "store/appsrv.h"
 #include "store/master_file.h"
+#include "store/models.h"
+#include "store/password.h"
 
 #include <cstdlib>
 

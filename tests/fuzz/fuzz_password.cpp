@@ -2,7 +2,7 @@
 // character becomes NUL, a typed password comes back from its padded form, and the
 // encoders never write past the buffer they are given (each is exactly its size).
 #include "fuzz_support.h"
-#include "launch/password.h"
+#include "store/password.h"
 
 #include <cstdlib>
 #include <cstring>

@@ -3,12 +3,12 @@
 #include "admin/advanced.h"
 #include "editors/editors.h"
 #include "launch/launch_fixture.h"
-#include "launch/password.h"
 #include "launch/spawn.h"
 #include "platform/log.h"
-#include "shell/widgets.h"
 #include "store/master_file.h"
+#include "store/password.h"
 #include "store/user_file.h"
+#include "ui/widgets.h"
 
 #include <chrono>
 #include <sstream>

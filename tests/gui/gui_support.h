@@ -4,14 +4,15 @@
 // its secondary "Backup" (both "Other" commands); admin_test is a terminal being
 // administered: a password database, a master list and the user trees, the globals as
 // start-up sets them, the main window and keyboard map lists.
-#include "editors/form.h"
-#include "ica/paths.h"
 #include "launch/command_line.h"
+#include "platform/tmp_files.h"
 #include "shell/globals.h"
 #include "shell/main_window.h"
+#include "store/ica_paths.h"
 #include "store/models.h"
 #include "store/record.h"
 #include "support/test_support.h"
+#include "ui/form.h"
 
 #include <gtk/gtk.h>
 

@@ -7,8 +7,8 @@
 #include "gui/gui_support.h"
 #include "platform/paths.h"
 #include "shell/globals.h"
-#include "shell/widgets.h"
 #include "store/models.h"
+#include "ui/widgets.h"
 
 #include <cstdio>
 

@@ -1,13 +1,13 @@
 // The ICA editor's own rules, the Server Location dialog and the Citrix global
 // settings, driven through their windows.
-#include "editors/binding.h"
 #include "editors/connect_info.h"
 #include "editors/editors.h"
 #include "gui/gui_support.h"
 #include "ica/global_settings.h"
-#include "ica/paths.h"
 #include "platform/paths.h"
-#include "shell/widgets.h"
+#include "store/ica_paths.h"
+#include "ui/binding.h"
+#include "ui/widgets.h"
 
 namespace {
 

@@ -1,7 +1,8 @@
 #include "ica/wfclient.h"
 
-#include "ica/paths.h"
+#include "platform/tmp_files.h"
 #include "shell/globals.h"
+#include "store/ica_paths.h"
 #include "support/test_support.h"
 
 #include <gtest/gtest.h>

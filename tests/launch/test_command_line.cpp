@@ -1,10 +1,10 @@
 #include "launch/command_line.h"
 
-#include "launch/password.h"
 #include "launch_fixture.h"
-#include "ica/paths.h"
 #include "shell/globals.h"
+#include "store/ica_paths.h"
 #include "store/models.h"
+#include "store/password.h"
 
 namespace {
 

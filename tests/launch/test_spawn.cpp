@@ -1,11 +1,11 @@
 #include "launch/spawn.h"
 
-#include "launch/password.h"
-#include "launch_fixture.h"
-#include "ica/paths.h"
 #include "launch/command_line.h"
+#include "launch_fixture.h"
 #include "shell/globals.h"
+#include "store/ica_paths.h"
 #include "store/models.h"
+#include "store/password.h"
 
 #include <fcntl.h>
 #include <functional>

@@ -1,8 +1,8 @@
 #include "shell/options.h"
 
-#include "ica/paths.h"
 #include "launch/command_line.h"
 #include "shell/globals.h"
+#include "store/ica_paths.h"
 #include "store/models.h"
 #include "support/test_support.h"
 

@@ -1,9 +1,9 @@
 #include "shell/status_monitor.h"
 
-#include "launch/spawn.h"
-#include "ica/paths.h"
 #include "launch/command_line.h"
+#include "launch/spawn.h"
 #include "shell/globals.h"
+#include "store/ica_paths.h"
 #include "store/models.h"
 #include "store/record.h"
 #include "support/test_support.h"

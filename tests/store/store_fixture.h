@@ -1,9 +1,9 @@
 #pragma once
 // The store tests run in a private root with the program's folders, fresh models in the
 // globals, and a recorder for messages.
-#include "ica/paths.h"
-#include "launch/password.h"
+#include "store/ica_paths.h"
 #include "store/models.h"
+#include "store/password.h"
 #include "store/record.h"
 #include "support/test_support.h"
 

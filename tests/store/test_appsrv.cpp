@@ -1,6 +1,6 @@
 #include "store/appsrv.h"
 
-#include "launch/password.h"
+#include "store/password.h"
 
 #include "support/test_support.h"
 

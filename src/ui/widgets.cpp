@@ -1,4 +1,4 @@
-#include "shell/widgets.h"
+#include "ui/widgets.h"
 
 namespace {
 

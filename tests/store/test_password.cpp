@@ -1,4 +1,4 @@
-#include "launch/password.h"
+#include "store/password.h"
 
 #include "support/test_support.h"
 

@@ -1,7 +1,7 @@
-#include "editors/binding.h"
+#include "ui/binding.h"
 
-#include "launch/password.h"
-#include "shell/widgets.h"
+#include "store/password.h"
+#include "ui/widgets.h"
 
 #include <cstdio>
 

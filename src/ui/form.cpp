@@ -1,6 +1,6 @@
-#include "editors/form.h"
+#include "ui/form.h"
 
-#include "shell/widgets.h"
+#include "ui/widgets.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "ica/paths.h"
+#include "store/ica_paths.h"
 
 std::string ica_dir = "/etc/.kestrel";
 std::string wfclient_file = "/etc/.kestrel/wfclient.ini";
