@@ -67,10 +67,12 @@ user_file() {
   { echo "Version 1.000"; local row; for row; do tr '|' '\n' <<<"$row"; done; } >"$root/home/user/kestrel.inf"
 }
 
-# start_kestrelle [VAR=VALUE]...: starts the program in the background; sets pid.
+# start_kestrelle [VAR=VALUE]...: starts the program in the background, through the
+# command in the array run_in if one is set (a namespace to run in); sets pid.
+run_in=()
 start_kestrelle() {
   env KESTRELLE_ROOT="$root" PATH="$fakes:$PATH" KEST_FAKE_LOG="$argv_log" "$@" \
-    "$KESTRELLE" >"$root/stdout" 2>"$root/stderr" &
+    "${run_in[@]}" "$KESTRELLE" >"$root/stdout" 2>"$root/stderr" &
   pid=$!
   started_pids+=("$pid")
 }
@@ -106,6 +108,40 @@ collect_exit_status() {
   wait_for 5 has_ended || return 0
   status=0
   wait "$pid" || status=$?
+}
+
+now_ms() { echo $(($(date +%s%N) / 1000000)); }
+
+# window_shot WINDOW FILE: the window's contents as a PNG.
+window_shot() { import -window "$1" "$2"; }
+# share_of FILE COLOUR: the share (0..1) of the picture's pixels that are COLOUR, give or
+# take the rounding of a 16-bit session.
+share_of() {
+  convert "$1" -fuzz 4% -fill white -opaque "$2" -fill black +opaque white -format '%[fx:mean]' info:
+}
+# pixels_differing A B: how many pixels of two pictures of one size differ.
+pixels_differing() { compare -metric AE "$1" "$2" null: 2>&1 || true; }
+
+# main_shot FILE: the main window (in window) as the user sees it, raised above session
+# windows and focused, so that the selected row is drawn the same way every time.
+main_shot() {
+  timeout 5 xdotool windowraise "$window" windowfocus --sync "$window"
+  sleep 0.3
+  window_shot "$window" "$1"
+}
+# main_window_is FILE: the main window looks exactly as in FILE.
+main_window_is() {
+  main_shot "$work/main-now.png"
+  [ "$(pixels_differing "$1" "$work/main-now.png")" = 0 ]
+}
+
+# wait_mapped NAME_PATTERN START_MS: waits up to 30 s for a visible window whose name
+# matches; sets mapped_window, and elapsed_ms to the milliseconds since START_MS.
+wait_mapped() {
+  mapped_pattern=$1 mapped_window=""
+  wait_for 30 eval 'mapped_window=$(xdotool search --onlyvisible --name "$mapped_pattern" 2>/dev/null | head -1); [ -n "$mapped_window" ]' ||
+    return 1
+  elapsed_ms=$(($(now_ms) - $2))
 }
 
 finish() {

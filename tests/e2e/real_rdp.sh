@@ -21,8 +21,6 @@ server="$work/server"
 trap '"$private_xrdp" stop "$server"; stop_all; rm -rf "$work"' EXIT
 mkdir -p "$server" "$SCREENSHOTS"
 
-now_ms() { echo $(($(date +%s%N) / 1000000)); }
-
 # rdesktop_pids: the rdesktop processes started by this program (children of its
 # launching children).
 rdesktop_pids() {
@@ -33,13 +31,6 @@ rdesktop_pids() {
 }
 session_window() { xdotool search --onlyvisible --name '^rdesktop - ' 2>/dev/null | head -1; }
 
-# window_shot WINDOW FILE: the window's contents as a PNG.
-window_shot() { import -window "$1" "$2"; }
-# share_of FILE COLOUR: the share (0..1) of the picture's pixels that are COLOUR, give or
-# take the rounding of a 16-bit session.
-share_of() {
-  convert "$1" -fuzz 4% -fill white -opaque "$2" -fill black +opaque white -format '%[fx:mean]' info:
-}
 # login_screen FILE: the server's background fills most of the window and its log-in box
 # a good part of it (the colours of xrdp's log-in screen, from its configuration).
 login_screen() {
@@ -47,21 +38,6 @@ login_screen() {
     'BEGIN { exit !(background > 0.5 && box > 0.15) }'
 }
 shows_login_screen() { window_shot "$1" "$work/session.png" && login_screen "$work/session.png"; }
-# pixels_differing A B: how many pixels of two pictures of one size differ.
-pixels_differing() { compare -metric AE "$1" "$2" null: 2>&1 || true; }
-
-# main_shot FILE: the main window as the user sees it, focused, so that the selected row
-# is drawn the same way every time.
-main_shot() {
-  timeout 5 xdotool windowfocus --sync "$window"
-  sleep 0.3
-  window_shot "$window" "$1"
-}
-# main_window_is FILE: the main window looks exactly as in FILE.
-main_window_is() {
-  main_shot "$work/main-now.png"
-  [ "$(pixels_differing "$1" "$work/main-now.png")" = 0 ]
-}
 
 # show_logs: what Kestrelle and the server logged, for a run that failed.
 show_logs() {
