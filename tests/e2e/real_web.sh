@@ -1,6 +1,6 @@
 # The whole chain with a real browser: Kestrelle's Web connections start "firefox", Debian's
 # firefox-esr on a fresh private profile (scripts/private-web), on a page that a small HTTP
-# server on 127.0.0.1 serves.
+# server on 127.0.0.1 serves, all in a private network (scripts/private-net).
 #   1. Connect "Intranet" (after a TCP check of the server's port): the server sees the
 #      request, the browser's window appears with the page's title, the row turns "Active",
 #      and ending the browser brings the row back. The same command by hand gives the
@@ -12,10 +12,12 @@ if ! command -v firefox-esr >/dev/null || ! command -v python3 >/dev/null; then
   echo "SKIPPED: firefox-esr or python3 is not installed (scripts/deps installs both)"
   exit 77
 fi
+[ "$(id -u)" -eq 0 ] || { echo "SKIPPED: the private network namespace needs root"; exit 77; }
 : "${SCREENSHOTS:?folder for screenshots}"
+private_net="$(dirname "$0")/../../scripts/private-net"
 private_web="$(dirname "$0")/../../scripts/private-web"
-server="$work/web"
-trap '"$private_web" stop "$server"; stop_all; rm -rf "$work"' EXIT
+net="$work/net" server="$work/web"
+trap '"$private_web" stop "$server"; stop_all; "$private_net" stop "$net"; rm -rf "$work"' EXIT
 mkdir -p "$work/site" "$SCREENSHOTS"
 title="Kestrelle test page"
 printf '<html><head><title>%s</title><link rel="icon" href="data:,"></head><body><h1>%s</h1></body></html>\n' \
@@ -23,7 +25,9 @@ printf '<html><head><title>%s</title><link rel="icon" href="data:,"></head><body
 browser_pid() { ps -o pid=,comm= --ppid "$pid" | awk '$2 == "firefox-esr" { print $1 }'; }
 
 new_case real_web
-port=$("$private_web" start "$server" "$work/site") || { fail "the web server did not start"; finish; }
+"$private_net" start "$net" >/dev/null && port=$("$private_net" run "$net" "$private_web" start "$server" "$work/site") ||
+  { fail "the web server did not start"; finish; }
+run_in=("$private_net" run "$net")
 page="http://127.0.0.1:$port/index.html"
 master_file "$(record Intranet Web "Standard echo" "$port" "5=$page")" \
   "$(record Portal Web "Don't ping" 80 "5=$page?portal")"
@@ -52,7 +56,7 @@ wait_for 10 main_window_is "$work/main-not-connected.png" ||
   fail "the row does not show \"Not Connected\" after the browser ended"
 
 hand_ms=$(now_ms)
-"$server/bin/firefox" "$page" >/dev/null 2>&1 &
+"$private_net" run "$net" "$server/bin/firefox" "$page" &
 by_hand=$!
 wait_mapped "^$title" "$hand_ms" || fail "the browser started by hand shows no window"
 echo "Web, Connect to browser window mapped: $mapped_ms ms; by hand: $elapsed_ms ms"

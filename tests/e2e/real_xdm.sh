@@ -1,5 +1,6 @@
-# The whole chain with a real display manager: Kestrelle, in the network namespace of a
-# private xdm (scripts/private-xdm), starts "X" for its XDM connections, a nested Xephyr.
+# The whole chain with a real display manager: Kestrelle and a private xdm run in a private
+# network (scripts/private-net, scripts/private-xdm), and Kestrelle's XDM connections start
+# "X", a nested Xephyr.
 #   1. Connect "Lab Display" (mode "Query"): the X server's window is mapped, xdm's greeter
 #      is drawn in it and the row turns "Active"; closing the X server brings the row back.
 #      The same X command line started by hand gives the reference times.
@@ -11,11 +12,12 @@ if ! command -v xdm >/dev/null || ! command -v Xephyr >/dev/null; then
   echo "SKIPPED: xdm or Xephyr is not installed (scripts/deps installs both)"
   exit 77
 fi
-[ "$(id -u)" -eq 0 ] || { echo "SKIPPED: the private xdm's network namespace needs root"; exit 77; }
+[ "$(id -u)" -eq 0 ] || { echo "SKIPPED: the private network namespace needs root"; exit 77; }
 : "${SCREENSHOTS:?folder for screenshots}"
+private_net="$(dirname "$0")/../../scripts/private-net"
 private_xdm="$(dirname "$0")/../../scripts/private-xdm"
-server="$work/server"
-trap '"$private_xdm" stop "$server"; stop_all; rm -rf "$work"' EXIT
+net="$work/net" server="$work/server"
+trap '"$private_xdm" stop "$server"; stop_all; "$private_net" stop "$net"; rm -rf "$work"' EXIT
 mkdir -p "$server" "$SCREENSHOTS"
 
 # greeter_drawn WINDOW: xdm's log-in box, in its grey, fills a good part of the window.
@@ -26,13 +28,13 @@ greeter_drawn() {
 x_server_pid() { ps -o pid=,comm= --ppid "$pid" | awk '$2 == "Xephyr" { print $1 }'; }
 
 new_case real_xdm
-started=$("$private_xdm" start "$server") || { fail "the private xdm did not start"; finish; }
-read -r address port <<<"$started"
+address=$("$private_net" start "$net") && "$private_net" run "$net" "$private_xdm" start "$server" >/dev/null ||
+  { fail "the private xdm did not start"; finish; }
 xdm_record() { record "$1" XDM "Don't ping" 0 "5=$address" "7=$2" 12=Automatic "13=$3" "26=Use Server Settings"; }
 master_file "$(xdm_record "Lab Display" Query 5)" "$(xdm_record "Lab Broadcast" Broadcast 6)"
 user_file "TRUE|Lab Display|XDM|FALSE|FALSE|FALSE" "TRUE|Lab Broadcast|XDM|FALSE|FALSE|FALSE"
 ln -sfn "$server/bin/X" "$fakes/X"
-run_in=("$private_xdm" run "$server")
+run_in=("$private_net" run "$net")
 xdotool mousemove 1590 1190
 start_kestrelle
 window=$(main_window)
@@ -57,7 +59,7 @@ wait_for 8 main_window_is "$work/main-not-connected.png" ||
   fail "the row does not show \"Not Connected\" after the X server ended"
 
 hand_ms=$(now_ms)
-"$private_xdm" run "$server" "$server/bin/X" :5 -query "$address" >"$work/by-hand.out" 2>&1 &
+"$private_net" run "$net" "$server/bin/X" :5 -query "$address" >"$work/by-hand.out" 2>&1 &
 by_hand=$!
 wait_mapped '^Kestrelle XDM$' "$hand_ms" && wait_for 20 greeter_drawn "$mapped_window" ||
   fail "the X server started by hand shows no greeter"
