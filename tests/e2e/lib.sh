@@ -144,6 +144,43 @@ wait_mapped() {
   elapsed_ms=$(($(now_ms) - $2))
 }
 
+# The real-client tests: they skip (exit status 77) where a program is missing, and connect
+# the rows of the main window one after the other from the keyboard.
+needs() {
+  local program
+  for program; do
+    command -v "$program" >/dev/null && continue
+    echo "SKIPPED: $program is not installed (scripts/deps installs it)"
+    exit 77
+  done
+}
+needs_root() { [ "$(id -u)" -eq 0 ] || { echo "SKIPPED: the private network namespace needs root"; exit 77; }; }
+# show_main_window: waits for the main window (sets window) and moves it beside the
+# session windows, which open at the top left corner.
+show_main_window() {
+  window=$(main_window)
+  [ -n "$window" ] || { fail "no main window"; finish; }
+  xdotool windowmove --sync "$window" 820 0
+}
+# connect_next: selects the next row, photographs the main window and presses Connect;
+# sets connect_ms.
+connect_next() {
+  timeout 10 xdotool windowfocus --sync "$window" key Down
+  main_shot "$work/main-not-connected.png"
+  connect_ms=$(now_ms)
+  xdotool key alt+c
+}
+# expect_active: Connect changed the main window, the row's status being all it changes.
+expect_active() {
+  main_shot "$work/main-active.png"
+  [ "$(pixels_differing "$work/main-not-connected.png" "$work/main-active.png")" != 0 ] ||
+    fail "the main window did not change on Connect: the row does not show \"Active\""
+}
+# expect_not_connected WHAT: the main window is back as before Connect within 10 s.
+expect_not_connected() {
+  wait_for 10 main_window_is "$work/main-not-connected.png" || fail "the row is not \"Not Connected\" after $1"
+}
+
 finish() {
   if [ "$failures" -eq 0 ]; then echo "all cases passed"; else echo "$failures failure(s)"; exit 1; fi
 }

@@ -8,13 +8,8 @@
 #      time-out and its secondary "Standby" takes over.
 source "$(dirname "$0")/lib.sh"
 
-for program in ping nft xmessage; do
-  command -v "$program" >/dev/null || {
-    echo "SKIPPED: $program is not installed (scripts/deps installs it)"
-    exit 77
-  }
-done
-[ "$(id -u)" -eq 0 ] || { echo "SKIPPED: the private network namespace needs root"; exit 77; }
+needs ping nft xmessage
+needs_root
 
 new_case real_ping
 dropped=$((20000 + RANDOM % 40000))
@@ -29,14 +24,10 @@ user_file "TRUE|Local Tools|Other|FALSE|FALSE|FALSE" "TRUE|Far Tools|Other|FALSE
   "TRUE|Silent Desktop|Other|FALSE|FALSE|FALSE" "FALSE|Standby|Other|FALSE|FALSE|FALSE"
 ln -sfn "$(command -v ping)" "$fakes/ping"
 start_kestrelle
-window=$(main_window)
-[ -n "$window" ] || { fail "no main window"; finish; }
-xdotool windowmove --sync "$window" 820 0
+show_main_window
 
 # 1. Local Tools.
-timeout 10 xdotool windowfocus --sync "$window" key Down
-connect_ms=$(now_ms)
-xdotool key alt+c
+connect_next
 wait_mapped '^Local$' "$connect_ms" || fail "no session window after ping answered"
 mapped_ms=$elapsed_ms
 hand_ms=$(now_ms)
@@ -47,13 +38,11 @@ echo "Ping and Other, Connect to session window mapped: $mapped_ms ms; by hand: 
 kill "$by_hand"
 
 # 2. Far Tools.
-timeout 10 xdotool windowfocus --sync "$window" key Down alt+c
+connect_next
 wait_for 8 eval 'grep -qx "Ping exit code 200" "$log"' || fail "no \"Ping exit code 200\" for an address without a route"
 
 # 3. Silent Desktop.
-timeout 10 xdotool windowfocus --sync "$window" key Down
-connect_ms=$(now_ms)
-xdotool key alt+c
+connect_next
 wait_mapped '^Standby$' "$connect_ms" || fail "the secondary connection did not take over"
 echo "Failover from a port that drops packets, Connect to the secondary's window: $elapsed_ms ms"
 grep -qx "Connection to server 127.0.0.1 failed with error Connection timed out (6e)." "$log" ||

@@ -1,18 +1,13 @@
 # The whole chain with a real browser: Kestrelle's Web connections start "firefox", Debian's
 # firefox-esr on a fresh private profile (scripts/private-web), on a page that a small HTTP
 # server on 127.0.0.1 serves, all in a private network (scripts/private-net).
-#   1. Connect "Intranet" (after a TCP check of the server's port): the server sees the
-#      request, the browser's window appears with the page's title, the row turns "Active",
-#      and ending the browser brings the row back. The same command by hand gives the
-#      reference time.
-#   2. Connect "Portal", persistent: when the browser ends, it is started again.
+#   1. "Intranet" (after a TCP check of the server's port): the server sees the request,
+#      the browser's window appears with the page's title, the row turns "Active", and
+#      ending the browser brings the row back. The same command by hand gives the reference.
+#   2. "Portal", persistent: when the browser ends, it is started again.
 source "$(dirname "$0")/lib.sh"
-
-if ! command -v firefox-esr >/dev/null || ! command -v python3 >/dev/null; then
-  echo "SKIPPED: firefox-esr or python3 is not installed (scripts/deps installs both)"
-  exit 77
-fi
-[ "$(id -u)" -eq 0 ] || { echo "SKIPPED: the private network namespace needs root"; exit 77; }
+needs firefox-esr python3
+needs_root
 : "${SCREENSHOTS:?folder for screenshots}"
 private_net="$(dirname "$0")/../../scripts/private-net"
 private_web="$(dirname "$0")/../../scripts/private-web"
@@ -27,34 +22,25 @@ browser_pid() { ps -o pid=,comm= --ppid "$pid" | awk '$2 == "firefox-esr" { prin
 new_case real_web
 "$private_net" start "$net" >/dev/null && port=$("$private_net" run "$net" "$private_web" start "$server" "$work/site") ||
   { fail "the web server did not start"; finish; }
-run_in=("$private_net" run "$net")
 page="http://127.0.0.1:$port/index.html"
 master_file "$(record Intranet Web "Standard echo" "$port" "5=$page")" \
   "$(record Portal Web "Don't ping" 80 "5=$page?portal")"
 user_file "TRUE|Intranet|Web|FALSE|FALSE|FALSE" "TRUE|Portal|Web|FALSE|TRUE|FALSE"
 ln -sfn "$server/bin/firefox" "$fakes/firefox"
+run_in=("$private_net" run "$net")
 xdotool mousemove 1590 1190
 start_kestrelle
-window=$(main_window)
-[ -n "$window" ] || { fail "no main window"; finish; }
-xdotool windowmove --sync "$window" 820 0
+show_main_window
 
 # 1. Intranet.
-timeout 10 xdotool windowfocus --sync "$window" key Down
-main_shot "$work/main-not-connected.png"
-connect_ms=$(now_ms)
-xdotool key alt+c
+connect_next
 wait_mapped "^$title" "$connect_ms" || { fail "no browser window within 30 s of Connect"; finish; }
 mapped_ms=$elapsed_ms
 grep -q '"GET /index.html HTTP/1.1" 200' "$server/requests.log" || fail "the server saw no request for the page"
 import -window root "$SCREENSHOTS/real_web.png"
-main_shot "$work/main-active.png"
-[ "$(pixels_differing "$work/main-not-connected.png" "$work/main-active.png")" != 0 ] ||
-  fail "the main window did not change on Connect: the row does not show \"Active\""
+expect_active
 kill -TERM "$(browser_pid)"
-wait_for 10 main_window_is "$work/main-not-connected.png" ||
-  fail "the row does not show \"Not Connected\" after the browser ended"
-
+expect_not_connected "the browser ended"
 hand_ms=$(now_ms)
 "$private_net" run "$net" "$server/bin/firefox" "$page" &
 by_hand=$!
@@ -64,9 +50,8 @@ kill -TERM "$by_hand"
 wait "$by_hand" || true
 
 # 2. Portal.
-timeout 10 xdotool windowfocus --sync "$window" key Down alt+c
-wait_for 30 eval '[ -n "$(browser_pid)" ]' && wait_mapped "^$title" "$(now_ms)" ||
-  fail "Portal's browser did not start"
+connect_next
+wait_for 30 eval '[ -n "$(browser_pid)" ]' && wait_mapped "^$title" "$(now_ms)" || fail "Portal's browser did not start"
 first=$(browser_pid)
 kill -TERM "$first"
 wait_for 30 eval '! kill -0 $first 2>/dev/null && [ -n "$(browser_pid)" ]' && wait_mapped "^$title" "$(now_ms)" ||
