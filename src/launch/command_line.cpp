@@ -18,6 +18,19 @@
 std::string x_setup_file;   // found at start-up
 std::string x_config_file;  // found at start-up; nothing reads it yet
 
+void find_x_files()
+{
+    for (const char* setup : {"/etc/X11/xdm/Xsetup", "/etc/X11/wdm/Xsetup"})
+        if (path_exists(root_path(setup))) {
+            x_setup_file = root_path(setup);
+            break;
+        }
+    // The last of them that exists wins.
+    for (const char* config : {"/etc/X11/XF86Config", "/etc/X11/XF86Config-4", "/etc/X11/XOrg.conf"})
+        if (path_exists(root_path(config)))
+            x_config_file = root_path(config);
+}
+
 namespace {
 
 constexpr std::pair<unsigned long, const char*> rdp_switches[] = {

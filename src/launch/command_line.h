@@ -11,6 +11,8 @@
 // server's configuration file; "" when the machine has none. Start-up finds them.
 extern std::string x_setup_file;
 extern std::string x_config_file;
+// Finds them on this machine (under the root prefix).
+void find_x_files();
 
 // Ends at its first empty element: a column left empty where an argument stands on its
 // own ends the vector there, and what would follow is not passed.

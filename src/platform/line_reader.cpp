@@ -25,8 +25,10 @@ size_t line_reader::take_line(char* to, size_t count)
             std::memcpy(to + taken, from, piece);
         taken += piece;
         block_start_ += piece;
-        if (line_end)
+        if (line_end) {
+            ++next_line_;
             break;
+        }
     }
     return taken;
 }
@@ -36,10 +38,12 @@ bool line_reader::read()
     // A failed read must leave the buffer as it was, so read into a copy first. As with
     // fgets, nothing read or a read error means no line.
     read_failed_ = false;
+    const int begins_on = next_line_;
     const size_t taken = take_line(spare_.data(), spare_.size() - 1);
     if (taken == 0 || read_failed_)
         return false;
     spare_[taken] = '\0';
+    line_number_ = begins_on;
     buffer_.swap(spare_);
     length_ = std::strlen(buffer_.data());
     // Judged by the text up to a NUL, as the line would have been judged after fgets.
@@ -53,8 +57,11 @@ void line_reader::skip_rest_of_line()
 {
     if (mode_ == long_line::pieces)
         return;
-    if (mode_ == long_line::skip_once && last_skipped_ == '\n')
+    if (mode_ == long_line::skip_once && last_skipped_ == '\n') {
+        tell(read_note::line_run_on, line_number_, text());
         return;
+    }
+    tell(read_note::line_cut, line_number_, text());
     size_t skipped = take_line(nullptr, SIZE_MAX);
     // The last character skipped: the line end, or the end of the file.
     last_skipped_ = skipped > 0 && block_start_ > 0 && block_[block_start_ - 1] == '\n' ? '\n' : EOF;
@@ -64,6 +71,7 @@ void line_reader::rewind()
 {
     std::rewind(file_);
     block_start_ = block_end_ = 0;
+    next_line_ = 1;
 }
 
 void line_reader::drop_last_char()

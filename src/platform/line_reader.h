@@ -3,6 +3,7 @@
 // buffer of 102 bytes (at most 101 characters); what happens to the rest of a longer
 // line depends on the file.
 #include <cstdio>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,25 @@ enum class long_line {
     // Options and keymap files: a long line comes in as several pieces.
     pieces,
 };
+
+// What a reader of the store's files noticed that the text itself does not show. The
+// fleet checker listens for these, so that it reports what the program really reads
+// instead of reading the file a second time with rules of its own.
+enum class read_note {
+    line_cut,      // an over-long line: the rest of it was thrown away
+    line_run_on,   // an over-long line after the first: its rest comes in as the next line
+    record_short,  // the file ended inside a record: its last columns repeat the buffer
+    not_a_flag,    // a flag line that is neither of its two words: it counts as FALSE
+    row_dropped,   // a user tree row naming no connection of the master list
+    row_promoted,  // a secondary row that had to become a primary row
+    row_kept,      // a user tree row that the load keeps (told for every one, in file order)
+};
+struct read_event {
+    read_note note;
+    int line;          // 1-based, of the line (or the record's first line)
+    std::string text;  // the line as read, or the row's name and type
+};
+using read_observer = std::function<void(const read_event&)>;
 
 class line_reader {
 public:
@@ -38,6 +58,16 @@ public:
 
     // Starts again at the beginning of the file.
     void rewind();
+
+    // The 1-based number of the file line on which the last read began.
+    int line_number() const { return line_number_; }
+    // Tells observer (when not null) of every over-long line from now on.
+    void observe(const read_observer* observer) { observer_ = observer; }
+    void tell(read_note note, int line, const std::string& text) const
+    {
+        if (observer_)
+            (*observer_)({note, line, text});
+    }
 
     const char* c_str() const { return buffer_.data(); }
     std::string text() const { return std::string(buffer_.data(), length_); }
@@ -62,4 +92,7 @@ private:
     size_t block_start_ = 0;  // the unread bytes of block_
     size_t block_end_ = 0;
     bool read_failed_ = false;  // a read error since the line began
+    int line_number_ = 0;
+    int next_line_ = 1;  // the line the next read begins on
+    const read_observer* observer_ = nullptr;
 };

@@ -8,6 +8,7 @@
 #include "platform/tmp_files.h"
 #include "shell/globals.h"
 #include "store/models.h"
+#include "store/options_text.h"
 
 #include <algorithm>
 #include <cctype>
@@ -19,19 +20,13 @@
 
 namespace {
 
-constexpr const char* options_file = "/etc/zarvooptions";
 constexpr const char* options_temp_file = "/tmp/zarvooptions.tmp";
 constexpr const char* icewm_preferences = "/etc/X11/icewm/preferences";
 constexpr const char* preferences_temp_file = "/tmp/preferences";
 
 // Keys as they are searched for (in a lower-case copy of the line) and written.
-constexpr const char* shell_key = "zarvoshell";
-constexpr const char* shell_is_ours = "kest";
-constexpr const char* taskbar_key = "show_taskbar";
-constexpr const char* kiosk_key = "kiosk_browser";
 constexpr const char* taskbar_assignment = "show_taskbar=";
 constexpr const char* kiosk_assignment = "kiosk_browser=";
-constexpr const char* true_word = "true";
 constexpr const char* written_taskbar_key = "SHOW_TASKBAR=";
 constexpr const char* written_kiosk_key = "KIOSK_BROWSER=";
 
@@ -41,13 +36,6 @@ constexpr const char* move_error_message =
     "\nError saving Zarvo options configuration file, changes not saved.\n";
 constexpr const char* temp_gone_message =
     "\nError opening Zarvo options temporary configuration file, changes not saved.\n";
-
-std::string lower_case(std::string text)
-{
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return text;
-}
 
 bool contains(const std::string& text, const char* part)
 {
@@ -67,14 +55,15 @@ unique_file open_options_for_reading()
     return file;
 }
 
-void apply_options_line(const std::string& lower)
+void apply_options_line(const std::string& line)
 {
-    if (contains(lower, shell_key))
-        shell_mode = contains(lower, shell_is_ours);
-    if (contains(lower, taskbar_key))
-        show_taskbar = contains(lower, true_word);
-    if (contains(lower, kiosk_key))
-        kiosk_mode = contains(lower, true_word);
+    const options_line_effect effect = read_options_line(line);
+    if (effect.shell_mode >= 0)
+        shell_mode = effect.shell_mode;
+    if (effect.show_taskbar >= 0)
+        show_taskbar = effect.show_taskbar;
+    if (effect.kiosk_mode >= 0)
+        kiosk_mode = effect.kiosk_mode;
 }
 
 struct keys_seen {
@@ -176,7 +165,7 @@ void parse_zarvooptions()
         return;
     line_reader reader(in.get(), long_line::pieces);
     while (reader.read())
-        apply_options_line(lower_case(reader.text()));
+        apply_options_line(reader.text());
 }
 
 void write_zarvooptions()

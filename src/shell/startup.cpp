@@ -291,17 +291,6 @@ void find_citrix_client()
     set_error_text("\nCitrix ICA configuration error, ICAROOT not set.\n");
 }
 
-void find_x_files()
-{
-    for (const char* setup : {"/etc/X11/xdm/Xsetup", "/etc/X11/wdm/Xsetup"})
-        if (path_exists(root_path(setup))) {
-            x_setup_file = root_path(setup);
-            break;
-        }
-    x_config_file = last_existing({"/etc/X11/XF86Config", "/etc/X11/XF86Config-4", "/etc/X11/XOrg.conf"},
-                                  x_config_file);
-}
-
 void find_programs()
 {
     firefox = path_exists(root_path("/usr/bin/firefox")) || path_exists(root_path("/opt/firefox/firefox"));

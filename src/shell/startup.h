@@ -15,10 +15,8 @@ struct user_rights {
 // and from a primary group of 0.
 user_rights rights_of(const std::string& user, gid_t primary_group);
 
-// Where the Citrix client, the X configuration files, Firefox and the DAS client are
-// (ica_root, x_setup_file, x_config_file, firefox, das).
+// Where the Citrix client, Firefox and the DAS client are (ica_root, firefox, das).
 void find_citrix_client();
-void find_x_files();
 void find_programs();
 
 // Starts the top-level rows flagged Automatic, in order, with at most one reconnect

@@ -95,16 +95,24 @@ connection_record read_record(line_reader& reader, int lines_per_record, int kep
 {
     connection_record record;
     record.col[MC_NAME] = reader.text();
+    const int first_line = reader.line_number();
+    bool cut_short = false;
     int last = std::min(lines_per_record, master_file_columns) - 1;
     for (int c = 1; c <= last; ++c) {
         // A record cut short by the end of the file keeps what the buffer held.
-        reader.read_chopped();
+        if (!reader.read_chopped() && !cut_short) {
+            cut_short = true;
+            reader.tell(read_note::record_short, first_line, record.col[MC_NAME]);
+        }
         if (c >= kept_columns)
             continue;
-        if (c == MC_PING)
+        if (c == MC_PING) {
             record.ping_first = std::strcmp(reader.c_str(), ping_text) == 0;
-        else
+            if (!record.ping_first && !cut_short && std::strcmp(reader.c_str(), no_ping_text) != 0)
+                reader.tell(read_note::not_a_flag, reader.line_number(), reader.text());
+        } else {
             record.col[c] = reader.text();
+        }
     }
     record.from_file = true;
     return record;
@@ -166,21 +174,32 @@ bool master_names::contains(const std::string& name, const std::string& type) co
     return at != spans_.end() && key_at(*at) == key;
 }
 
+master_header read_master_records(const char* path, int lines_per_record, const master_record_visit& visit,
+                                  const read_observer* observer, int kept_columns)
+{
+    unique_file file = open_file(path, "re");
+    if (!file)
+        return master_header::missing;
+    line_reader reader(file.get(), long_line::skip_once);
+    reader.observe(observer);
+    const master_header header = read_header(reader);
+    if (header == master_header::wrong_version)
+        return header;
+    while (reader.read()) {
+        const int first_line = reader.line_number();
+        reader.drop_last_char();
+        visit(read_record(reader, lines_per_record, kept_columns), first_line);
+    }
+    return header;
+}
+
 master_names read_master_names(const char* path, int lines_per_record)
 {
     master_names names;
-    unique_file file = open_file(path, "re");
-    if (!file)
-        return names;
-    line_reader reader(file.get(), long_line::skip_once);
-    names.header = read_header(reader);
-    if (names.header == master_header::wrong_version)
-        return names;
-    while (reader.read()) {
-        reader.drop_last_char();
-        connection_record record = read_record(reader, lines_per_record, MC_TYPE + 1);
-        names.add(record[MC_NAME], record[MC_TYPE]);
-    }
+    names.header = read_master_records(
+        path, lines_per_record,
+        [&](connection_record&& record, int) { names.add(record[MC_NAME], record[MC_TYPE]); }, nullptr,
+        MC_TYPE + 1);
     names.sort();
     return names;
 }

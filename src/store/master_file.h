@@ -1,8 +1,10 @@
 #pragma once
 // The master connection list file: a four-line header, then 35 lines per connection.
+#include "platform/line_reader.h"
 #include "store/record.h"
 
 #include <cstdio>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -41,6 +43,14 @@ private:
     std::vector<std::pair<size_t, size_t>> spans_;  // offset and length of each pair in text_
 };
 master_names read_master_names(const char* path, int lines_per_record);
+
+// Reads a master list file record by record, in file order, without a store: visit gets
+// each record (columns from kept_columns on left empty) and the number of its first line.
+// The observer, when given, hears of every line the load reads differently from its text.
+using master_record_visit = std::function<void(connection_record&& record, int first_line)>;
+master_header read_master_records(const char* path, int lines_per_record, const master_record_visit& visit,
+                                  const read_observer* observer = nullptr,
+                                  int kept_columns = master_file_columns);
 
 // Where a connection added by an editor goes: before the first row whose name is not
 // less than name, compared without regard to case; -1 (the end) when there is none.

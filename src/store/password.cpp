@@ -194,3 +194,23 @@ int NFuseEncode(const unsigned char* data, uint16_t length, char* out)
     out[2 * size_t{length}] = '\0';
     return 2 * length;
 }
+
+bool decode_ascii_password(const std::string& encoded, std::string* clear)
+{
+    auto nibble = [](char c) { return c >= '0' && c <= '9' ? c - '0' : c >= 'a' && c <= 'f' ? c - 'a' + 10 : -1; };
+    std::vector<int> bytes;
+    for (size_t i = 0; i + 1 < encoded.size(); i += 2) {
+        const int high = nibble(encoded[i]), low = nibble(encoded[i + 1]);
+        if (high < 0 || low < 0)
+            return false;
+        bytes.push_back(high << 4 | low);
+    }
+    // Two bytes of length, the seed, then the data: length counts the seed and the data.
+    if (encoded.size() % 2 != 0 || bytes.size() < 3 || (bytes[0] << 8 | bytes[1]) != static_cast<int>(bytes.size()) - 2)
+        return false;
+    const int seed = bytes[2];
+    clear->clear();
+    for (size_t i = 3; i < bytes.size(); ++i)
+        clear->push_back(static_cast<char>(bytes[i] ^ (i == 3 ? seed | 0x43 : seed ^ bytes[i - 1])));
+    return true;
+}

@@ -42,5 +42,8 @@ int EncryptToAscii(unsigned char* data, uint16_t data_length, char* out, uint16_
 // EncryptToAscii with a given seed byte (0 takes one from the clock).
 int encrypt_to_ascii_seeded(unsigned char seed, unsigned char* data, uint16_t data_length,
                             char* out, uint16_t out_size);
+// The clear password of an EncryptToAscii encoding, whatever its seed; false when the
+// text is no such encoding.
+bool decode_ascii_password(const std::string& encoded, std::string* clear);
 // Two capital letters A..P per byte; out holds 2 * length + 1. Returns 2 * length.
 int NFuseEncode(const unsigned char* data, uint16_t length, char* out);

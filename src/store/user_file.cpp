@@ -18,15 +18,28 @@ constexpr int current_lines_per_row = 6;
 
 // A flag line: anything but "TRUE" (a hand-edited or truncated file) counts as FALSE,
 // so that nobody's session is started or kept alive without having been flagged.
-bool flag_line(const line_reader& reader) { return std::strcmp(reader.c_str(), true_text) == 0; }
+bool flag_line(const line_reader& reader)
+{
+    if (std::strcmp(reader.c_str(), true_text) == 0)
+        return true;
+    if (std::strcmp(reader.c_str(), false_text) != 0)
+        reader.tell(read_note::not_a_flag, reader.line_number(), reader.text());
+    return false;
+}
 
 tree_row read_row(line_reader& reader, int lines_per_row)
 {
     tree_row row;
     row.primary = flag_line(reader);
+    const int first_line = reader.line_number();
+    bool cut_short = false;
     int last = std::min(lines_per_row, current_lines_per_row) - 1;
     for (int c = 1; c <= last; ++c) {
-        reader.read_chopped();
+        // A row cut short by the end of the file keeps what the buffer held.
+        if (!reader.read_chopped() && !cut_short) {
+            cut_short = true;
+            reader.tell(read_note::record_short, first_line, row.name);
+        }
         switch (c) {
         case TC_NAME: row.name = reader.text(); break;  // always text: a name may be "TRUE"
         case TC_TYPE: row.type = reader.text(); break;
@@ -133,7 +146,7 @@ void write_text(FILE* stream, const std::string& text)
 }  // namespace
 
 void make_connection_tree(GtkTreeStore* tree, const char* path, int lines_per_row, group_added_fn group_added,
-                          const connection_known_fn& known)
+                          const connection_known_fn& known, const read_observer* observer)
 {
     auto in_master_list = [&](const tree_row& row) {
         if (known)
@@ -144,6 +157,7 @@ void make_connection_tree(GtkTreeStore* tree, const char* path, int lines_per_ro
     if (!file)
         return;
     line_reader reader(file.get(), long_line::skip_once);
+    reader.observe(observer);
     if (!reader.read())
         return;
     // A file without a version line is of the older format: no Prompt line per row.
@@ -156,8 +170,9 @@ void make_connection_tree(GtkTreeStore* tree, const char* path, int lines_per_ro
     bool needs_parent = true;
     std::vector<primary_group> groups;
     while (reader.read_chopped()) {
-        bool starts_primary = flag_line(reader);
+        const int first_line = reader.line_number();
         tree_row row = read_row(reader, lines_per_row);
+        const bool starts_primary = row.primary;
         if (old_format)
             row.prompt = false;
         // A secondary row with no primary before it is promoted. A row naming no master
@@ -165,9 +180,15 @@ void make_connection_tree(GtkTreeStore* tree, const char* path, int lines_per_ro
         if (needs_parent)
             row.primary = true;
         bool top_level = starts_primary || needs_parent;
+        const bool promoted = needs_parent && !starts_primary;
         needs_parent = !in_master_list(row);
-        if (needs_parent)
+        if (needs_parent) {
+            reader.tell(read_note::row_dropped, first_line, row.name + " (" + row.type + ")");
             continue;
+        }
+        if (promoted)
+            reader.tell(read_note::row_promoted, first_line, row.name + " (" + row.type + ")");
+        reader.tell(read_note::row_kept, first_line, row.name);
         if (top_level)
             groups.push_back({std::move(row), {}});
         else

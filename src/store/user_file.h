@@ -1,5 +1,6 @@
 #pragma once
 // The user connection tree file, kestrel.inf in each user's home directory.
+#include "platform/line_reader.h"
 #include "store/record.h"
 
 #include <cstdio>
@@ -14,8 +15,11 @@ inline constexpr const char* user_file_name = "/kestrel.inf";
 // pairs the master list holds in place of the list itself.
 using group_added_fn = void (*)(GtkTreeStore* tree, GtkTreeIter* primary);
 using connection_known_fn = std::function<bool(const std::string& name, const std::string& type)>;
+// The observer, when given, hears of every line the load reads differently from its text
+// and of every row dropped or promoted.
 void make_connection_tree(GtkTreeStore* tree, const char* path, int lines_per_row,
-                          group_added_fn group_added = nullptr, const connection_known_fn& known = nullptr);
+                          group_added_fn group_added = nullptr, const connection_known_fn& known = nullptr,
+                          const read_observer* observer = nullptr);
 // Appends the rows of from to to as a load of from's file would have made them.
 void copy_connection_tree(GtkTreeModel* from, GtkTreeStore* to);
 // Writes selected_user_connection_tree to the named user's file, then reloads
