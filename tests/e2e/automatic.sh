@@ -50,6 +50,18 @@ X|X|:1|vt7|+kb|-xkbmap|tmp.xkm|-query|lab.example.lan|-xf86config|XF86Config.XDM
 firefox|firefox|http://intranet.example.lan:8080/start?x=1
 marrow|
 custom-client|custom-client|--full|two words|x y|z" "$root/started"
+# kestrelle-check on the same root promises the same vectors, each as the fake records it
+# (the name, then every argument; the DAS client's empty vector arrives as one empty one),
+# the secondary's too, which the first status poll starts. Its exit status tells of the
+# appsrv.ini that no save has written yet.
+wait_for 10 line_count "$argv_log" 9 || fail "the secondary did not start"
+{ "$KESTRELLE_CHECK" --root "$root" --json || true; } | python3 -c '
+import json, os, shlex, sys
+for c in json.load(sys.stdin)["connections"]:
+    if "xkbcomp" in c: print("|".join(["xkbcomp"] + shlex.split(c["xkbcomp"])))
+    print("|".join([os.path.basename(c["program"])] + (c["argv"] or [""])))' >"$root/promised" ||
+  fail "the JSON of kestrelle-check does not parse"
+expect_lines "the vectors kestrelle-check promises" "$(cat "$argv_log")" "$root/promised"
 
 # Reachability on: the ICMP echo through ping (which fails here) for ICA and Web, the TCP
 # check against a closed local port for RDP, and no check for an ICA published

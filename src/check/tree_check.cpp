@@ -1,0 +1,59 @@
+#include "check/checks.h"
+
+#include "store/models.h"
+#include "store/user_file.h"
+
+namespace {
+
+constexpr int lines_per_row = 6;
+
+std::vector<tree_group> groups_of(GtkTreeModel* tree)
+{
+    std::vector<tree_group> groups;
+    GtkTreeIter primary, secondary;
+    for (bool more = gtk_tree_model_get_iter_first(tree, &primary); more;
+         more = gtk_tree_model_iter_next(tree, &primary)) {
+        groups.push_back({read_tree_row(tree, &primary), {}});
+        for (bool child = gtk_tree_model_iter_children(tree, &secondary, &primary); child;
+             child = gtk_tree_model_iter_next(tree, &secondary))
+            groups.back().secondaries.push_back(read_tree_row(tree, &secondary));
+    }
+    return groups;
+}
+
+void check_flags(check_report& report, const std::string& file, int line, const tree_row& row, bool secondary)
+{
+    const std::string who = quoted(row.name) + " (" + row.type + ")";
+    if (secondary && (row.automatic || row.persistent || row.prompt))
+        report.warn(file, line, "secondary row " + who + " carries flags: only a primary row's take effect");
+    else if (row.prompt && !row.persistent)
+        report.warn(file, line, "row " + who + " has Prompt without Persistent: Prompt takes no effect");
+}
+
+}  // namespace
+
+void check_user_tree(check_report& report, const std::string& user, const std::string& file, const std::string& path)
+{
+    const read_observer findings = findings_observer(report, file);
+    // The rows the load keeps, in file order, with their first lines: the tree holds them
+    // in the same order, depth first.
+    std::vector<int> kept_lines;
+    const read_observer observer = [&](const read_event& e) {
+        if (e.note == read_note::row_kept)
+            kept_lines.push_back(e.line);
+        else
+            findings(e);
+    };
+    GtkTreeStore* tree = create_user_tree_store();
+    make_connection_tree(tree, path.c_str(), lines_per_row, nullptr, nullptr, &observer);
+    user_view view{user, file, groups_of(GTK_TREE_MODEL(tree))};
+    g_object_unref(tree);
+    size_t row = 0;
+    auto line_of = [&]() { return row < kept_lines.size() ? kept_lines[row++] : 0; };
+    for (tree_group& group : view.rows) {
+        check_flags(report, file, line_of(), group.primary, false);
+        for (const tree_row& secondary : group.secondaries)
+            check_flags(report, file, line_of(), secondary, true);
+    }
+    report.users.push_back(std::move(view));
+}
