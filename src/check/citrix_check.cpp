@@ -45,7 +45,7 @@ std::vector<std::string> comparable_lines(const std::string& text)
 }
 
 // What a save of the loaded master list writes into appsrv.ini.
-std::string appsrv_written()
+std::string appsrv_written(const master_view& master)
 {
     char* buffer = nullptr;
     size_t size = 0;
@@ -54,38 +54,35 @@ std::string appsrv_written()
         return "";
     GtkTreeModel* model = GTK_TREE_MODEL(master_connection_list);
     write_appsrv_header(out, model);
-    GtkTreeIter iter;
-    for (bool more = gtk_tree_model_get_iter_first(model, &iter); more; more = gtk_tree_model_iter_next(model, &iter)) {
-        const connection_record record = read_master_row(model, &iter);
+    for (const connection_record& record : master.records)
         if (parse_connection_type(record[MC_TYPE]) == connection_type::ica)
             std::fputs(ica_section(record).c_str(), out);
-    }
     std::fclose(out);
     std::string text(buffer, size);
     std::free(buffer);
     return text;
 }
 
-bool has_ica_connection(const check_report& report)
+bool has_ica_connection(const master_view& master)
 {
-    for (const connection_view& c : report.connections)
-        if (parse_connection_type(c.type) == connection_type::ica)
+    for (const connection_record& record : master.records)
+        if (parse_connection_type(record[MC_TYPE]) == connection_type::ica)
             return true;
     return false;
 }
 
 }  // namespace
 
-void check_appsrv(check_report& report, const file_choice& files)
+void check_appsrv(check_report& report, const master_view& master, const file_choice& files)
 {
     std::string text;
     if (!read_whole(files.read_path(appsrv_file), &text)) {
-        if (has_ica_connection(report))
+        if (has_ica_connection(master))
             report.fail(appsrv_file, 0, "missing or unreadable: no ICA connection can start");
         return;
     }
     const std::vector<std::string> found = comparable_lines(text);
-    const std::vector<std::string> written = comparable_lines(appsrv_written());
+    const std::vector<std::string> written = comparable_lines(appsrv_written(master));
     for (size_t i = 0; i < std::max(found.size(), written.size()); ++i) {
         if (i < found.size() && i < written.size() && found[i] == written[i])
             continue;

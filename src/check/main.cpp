@@ -72,30 +72,30 @@ void set_up(const std::string& root)
     make_rdesktop_keymap();
 }
 
-void check_user(check_report& report, const user_entry& user, const file_choice& files)
+void check_user(check_report& report, const master_view& master, const user_entry& user, const file_choice& files)
 {
     const std::string file = user.database_home + user_file_name;
     // The home directory as the users database gives it, root prefix applied.
     const auto candidate = files.instead.find(file);
     const std::string path = candidate == files.instead.end() ? user.home + user_file_name : candidate->second;
-    check_user_tree(report, user.name, file, path);
+    check_user_tree(report, master, user.name, file, path);
 }
 
-void check_users(check_report& report, const options& o)
+void check_users(check_report& report, const master_view& master, const options& o)
 {
     if (o.home) {
         const std::string file = *o.home + user_file_name;
-        check_user_tree(report, o.user.value_or(""), file, file);
+        check_user_tree(report, master, o.user.value_or(""), file, file);
     } else if (o.user) {
         if (std::optional<user_entry> user = user_by_name(*o.user))
-            check_user(report, *user, o.files);
+            check_user(report, master, *user, o.files);
         else
             report.fail("/etc/passwd", 0, "no user " + quoted(*o.user));
     } else {
         for (const user_entry& user : all_users())
             if (is_regular_file(user.home + user_file_name) ||
                 o.files.instead.count(user.database_home + user_file_name))
-                check_user(report, user, o.files);
+                check_user(report, master, user, o.files);
     }
 }
 
@@ -111,9 +111,9 @@ int main(int argc, char** argv)
     set_up(o.root);
     check_report report;
     check_options(report, o.files);
-    check_master_list(report, o.files);
-    check_appsrv(report, o.files);
-    check_users(report, o);
+    const master_view master = check_master_list(report, o.files);
+    check_appsrv(report, master, o.files);
+    check_users(report, master, o);
     if (o.json)
         print_json(report, stdout);
     else

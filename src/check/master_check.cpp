@@ -8,6 +8,7 @@
 #include "store/models.h"
 
 #include <map>
+#include <unordered_map>
 #include <utility>
 
 std::string file_choice::read_path(const std::string& inside_root) const
@@ -182,14 +183,13 @@ connection_view launch_of(const connection_record& record)
 
 }  // namespace
 
-void check_master_list(check_report& report, const file_choice& files)
+master_view check_master_list(check_report& report, const file_choice& files)
 {
     const std::string file = master_file_path;
     const std::string path = files.read_path(file);
     const read_observer observer = findings_observer(report, file);
     std::map<std::pair<std::string, std::string>, int> first_seen;
-    std::string previous_name;
-    int records = 0;
+    std::vector<connection_record> in_file_order;
     const master_header header = read_master_records(
         path.c_str(), master_file_columns,
         [&](connection_record&& record, int line) {
@@ -199,10 +199,11 @@ void check_master_list(check_report& report, const file_choice& files)
                 report.warn(file, line, "connection " + quoted(record[MC_NAME]) + " (" + record[MC_TYPE] +
                                             ") again, first on line " + std::to_string(at->second) +
                                             ": only the first is ever started");
-            if (records++ && g_ascii_strcasecmp(previous_name.c_str(), record[MC_NAME].c_str()) > 0)
+            if (!in_file_order.empty() &&
+                g_ascii_strcasecmp(in_file_order.back()[MC_NAME].c_str(), record[MC_NAME].c_str()) > 0)
                 report.warn(file, line, "name " + quoted(record[MC_NAME]) + " comes after " +
-                                            quoted(previous_name) + ": the list is shown sorted");
-            previous_name = record[MC_NAME];
+                                            quoted(in_file_order.back()[MC_NAME]) + ": the list is shown sorted");
+            in_file_order.push_back(std::move(record));
         },
         &observer);
     if (header == master_header::wrong_version)
@@ -211,10 +212,25 @@ void check_master_list(check_report& report, const file_choice& files)
     if (header == master_header::missing)
         report.warn(file, 0, "missing or unreadable: no connection is offered");
 
+    // The list's own load puts the records in the order the program shows them; equal
+    // pairs keep their file order there, so each row takes the next record of its pair.
     master_connection_list = create_master_store();
     load_master_file(master_connection_list, path.c_str(), master_file_columns);
+    master_view master;
+    std::unordered_map<std::string, std::vector<size_t>> by_pair;
+    for (size_t i = in_file_order.size(); i-- > 0;)
+        by_pair[in_file_order[i][MC_NAME] + '\n' + in_file_order[i][MC_TYPE]].push_back(i);
     GtkTreeModel* model = GTK_TREE_MODEL(master_connection_list);
     GtkTreeIter iter;
-    for (bool more = gtk_tree_model_get_iter_first(model, &iter); more; more = gtk_tree_model_iter_next(model, &iter))
-        report.connections.push_back(launch_of(read_master_row(model, &iter)));
+    for (bool more = gtk_tree_model_get_iter_first(model, &iter); more; more = gtk_tree_model_iter_next(model, &iter)) {
+        std::vector<size_t>& next = by_pair[model_text(model, &iter, MC_NAME) + '\n' + model_text(model, &iter, MC_TYPE)];
+        if (next.empty())
+            continue;
+        master.records.push_back(std::move(in_file_order[next.back()]));
+        next.pop_back();
+        const connection_record& record = master.records.back();
+        master.pairs.insert(record[MC_NAME] + '\n' + record[MC_TYPE]);
+        report.connections.push_back(launch_of(record));
+    }
+    return master;
 }

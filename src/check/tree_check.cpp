@@ -32,7 +32,8 @@ void check_flags(check_report& report, const std::string& file, int line, const 
 
 }  // namespace
 
-void check_user_tree(check_report& report, const std::string& user, const std::string& file, const std::string& path)
+void check_user_tree(check_report& report, const master_view& master, const std::string& user,
+                     const std::string& file, const std::string& path)
 {
     const read_observer findings = findings_observer(report, file);
     // The rows the load keeps, in file order, with their first lines: the tree holds them
@@ -45,7 +46,10 @@ void check_user_tree(check_report& report, const std::string& user, const std::s
             findings(e);
     };
     GtkTreeStore* tree = create_user_tree_store();
-    make_connection_tree(tree, path.c_str(), lines_per_row, nullptr, nullptr, &observer);
+    const connection_known_fn known = [&](const std::string& name, const std::string& type) {
+        return master.contains(name, type);
+    };
+    make_connection_tree(tree, path.c_str(), lines_per_row, nullptr, known, &observer);
     user_view view{user, file, groups_of(GTK_TREE_MODEL(tree))};
     g_object_unref(tree);
     size_t row = 0;
