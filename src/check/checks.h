@@ -40,4 +40,6 @@ void check_user_tree(check_report& report, const master_view& master, const std:
                      const std::string& file, const std::string& path);
 // appsrv.ini against what the master list writes.
 void check_appsrv(check_report& report, const master_view& master, const file_choice& files);
+// wfclient.ini: hotkeys beyond the fifteen, lines cut, no "[WFClient]" line.
+void check_wfclient(check_report& report, const file_choice& files);
 void check_options(check_report& report, const file_choice& files);

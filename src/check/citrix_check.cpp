@@ -1,8 +1,9 @@
 #include "check/checks.h"
 
-#include "ica/paths.h"
-#include "launch/password.h"
+#include "store/ica_paths.h"
+#include "store/password.h"
 #include "store/appsrv.h"
+#include "store/wfclient_text.h"
 #include "store/models.h"
 
 #include <cstdio>
@@ -11,6 +12,7 @@
 namespace {
 
 constexpr const char* appsrv_file = "/etc/.kestrel/appsrv.ini";
+constexpr const char* wfclient_path = "/etc/.kestrel/wfclient.ini";
 constexpr const char* password_key = "Password=";
 
 bool read_whole(const std::string& path, std::string* text)
@@ -93,4 +95,18 @@ void check_appsrv(check_report& report, const master_view& master, const file_ch
         report.fail(appsrv_file, line, "out of step with the master list: " + what + " where " + wanted);
         return;
     }
+}
+
+void check_wfclient(check_report& report, const file_choice& files)
+{
+    std::string text;
+    // A missing file is made afresh, from the client's own copy, when it is first needed.
+    if (!read_whole(files.read_path(wfclient_path), &text))
+        return;
+    const read_observer findings = findings_observer(report, wfclient_path);
+    global_settings settings = default_global_settings();
+    read_global_settings(text, settings, &findings);
+    if (!has_wfclient_section(text))
+        report.warn(wfclient_path, 0, "no \"[WFClient]\" line: saving the server locations or the global "
+                                      "settings drops their keys and writes none");
 }

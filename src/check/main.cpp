@@ -2,10 +2,10 @@
 // start, and where the program reads its files differently from what they seem to say.
 // It reads through the program's own readers and writes nothing.
 #include "check/checks.h"
-#include "ica/paths.h"
+#include "store/ica_paths.h"
 #include "keymaps/keymaps.h"
 #include "launch/command_line.h"
-#include "launch/password.h"
+#include "store/password.h"
 #include "platform/message.h"
 #include "platform/paths.h"
 #include "platform/users.h"
@@ -113,6 +113,7 @@ int main(int argc, char** argv)
     check_options(report, o.files);
     const master_view master = check_master_list(report, o.files);
     check_appsrv(report, master, o.files);
+    check_wfclient(report, o.files);
     check_users(report, master, o);
     if (o.json)
         print_json(report, stdout);

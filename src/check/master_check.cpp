@@ -1,7 +1,7 @@
 #include "check/checks.h"
 
 #include "keymaps/keymaps.h"
-#include "launch/password.h"
+#include "store/password.h"
 #include "platform/paths.h"
 #include "store/choices.h"
 #include "store/master_file.h"
@@ -46,6 +46,9 @@ read_observer findings_observer(check_report& report, const std::string& file)
             break;
         case read_note::row_promoted:
             report.warn(file, e.line, "secondary row " + e.text + " has no primary row before it and becomes one");
+            break;
+        case read_note::number_ignored:
+            report.fail(file, e.line, quoted(e.text) + " is numbered beyond the 15 hotkeys and is ignored");
             break;
         case read_note::row_kept:
             break;

@@ -30,6 +30,7 @@ enum class read_note {
     row_dropped,   // a user tree row naming no connection of the master list
     row_promoted,  // a secondary row that had to become a primary row
     row_kept,      // a user tree row that the load keeps (told for every one, in file order)
+    number_ignored,  // a numbered key beyond the slots the program has: ignored
 };
 struct read_event {
     read_note note;

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 #include <initializer_list>
+#include <type_traits>
 
 const char* const hotkey_names[hotkey_count] = {
     "Alt+F1", "Alt+F2",  "Alt+F3",  "Alt+F4",  "Alt+F5",  "Alt+F6",        "Alt+F7",     "Alt+F8",
@@ -75,8 +76,10 @@ bool holds_any(const std::string& line, const char* const (&keys)[N])
 
 // Each line of the text as the reader of the client's files sees it: at most 101
 // characters, the rest of a longer line skipped; chopped, the last character removed.
+// A visit that takes two arguments gets the line's number too; the observer, when
+// given, hears of every line cut.
 template <typename Visit>
-void for_each_line(const std::string& text, Visit visit, bool chopped = true)
+void for_each_line(const std::string& text, Visit visit, bool chopped = true, const read_observer* observer = nullptr)
 {
     if (text.empty())
         return;
@@ -85,10 +88,14 @@ void for_each_line(const std::string& text, Visit visit, bool chopped = true)
         return;
     unique_file file(stream);
     line_reader reader(file.get(), long_line::skip_rest);
+    reader.observe(observer);
     while (reader.read()) {
         if (chopped)
             reader.drop_last_char();
-        visit(reader.text());
+        if constexpr (std::is_invocable_v<Visit, const std::string&, int>)
+            visit(reader.text(), reader.line_number());
+        else
+            visit(reader.text());
     }
 }
 
@@ -317,12 +324,14 @@ global_settings default_global_settings()
     return s;
 }
 
-void read_global_settings(const std::string& text, global_settings& s)
+void read_global_settings(const std::string& text, global_settings& s, const read_observer* observer)
 {
-    for_each_line(text, [&](const std::string& line) {
+    for_each_line(text, [&](const std::string& line, int number) {
         std::string value;
         if (!global_value(line, &value))
             return;
+        if (holds(line, hotkey_key) && observer && number_after(line, hotkey_key) > hotkey_count)
+            (*observer)({read_note::number_ignored, number, line});
         if (holds(line, hotkey_key))
             read_hotkey(line, value, s);
         read_drive(line, value, s);
@@ -333,7 +342,14 @@ void read_global_settings(const std::string& text, global_settings& s)
             s.keyboard_layout = value;
         if (holds(line, "AllowAudioInput"))
             s.audio_input = is_true_word(value);
-    });
+    }, true, observer);
+}
+
+bool has_wfclient_section(const std::string& text)
+{
+    bool found = false;
+    for_each_line(text, [&](const std::string& line) { found = found || holds(line, section_line); });
+    return found;
 }
 
 std::string rewrite_global_settings(const std::string& text, const global_settings& s)

@@ -3,6 +3,8 @@
 // locations and the global settings, and rewriting them. Plain functions from the
 // file's text to values or to the new text; ica/wfclient.h opens, copies and writes
 // the file around them.
+#include "platform/line_reader.h"
+
 #include <array>
 #include <string>
 #include <vector>
@@ -60,7 +62,13 @@ struct global_settings {
 global_settings default_global_settings();
 // Applies the keys of the file's text to settings. Blanks around "=" are not part of
 // the value.
-void read_global_settings(const std::string& text, global_settings& settings);
+// The observer, when given, hears of every line cut and every hotkey numbered beyond the
+// fifteen the client has (the line is ignored, and a rewrite drops it).
+void read_global_settings(const std::string& text, global_settings& settings,
+                          const read_observer* observer = nullptr);
+// Whether the text has the "[WFClient]" line after which the rewrites put their keys;
+// without one, a rewrite drops every key it writes and writes none.
+bool has_wfclient_section(const std::string& text);
 // The text with its global keys replaced: after each "[WFClient]" line the keyboard
 // layout, the hotkeys from 15 down to 1, the drives with a path, the COM ports with a
 // device, LastComPortNum and AllowAudioInput; every other such key dropped.

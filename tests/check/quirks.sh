@@ -55,8 +55,11 @@ check_case tree 2 "$U:2: warning: row Gone (RDP) names no connection of the mast
 new_case citrix; master_file "$(record Apps ICA "Don't ping" 1494 5=apps.example.lan 6=Default 7=Default)"
 printf '[WFClient]\nVersion=1\n\n[ApplicationServers]\n' >"$root/etc/.kestrel/appsrv.ini"
 printf '# the taskbar: show_taskbar=false is not true here\n' >"$root/etc/zarvooptions"
+printf 'Version=2\nHotkey16Char=F1\n' >"$root/etc/.kestrel/wfclient.ini"
 check_case citrix 2 \
   "/etc/.kestrel/appsrv.ini:5: error: out of step with the master list: ends where the master list writes \"Apps=\"" \
-  "/etc/zarvooptions:1: error: line mentions show_taskbar and so sets it to TRUE"
+  "/etc/zarvooptions:1: error: line mentions show_taskbar and so sets it to TRUE" \
+  "/etc/.kestrel/wfclient.ini:2: error: \"Hotkey16Char=F1\" is numbered beyond the 15 hotkeys and is ignored" \
+  "/etc/.kestrel/wfclient.ini:0: warning: no \"[WFClient]\" line: saving the server locations or the global settings drops their keys and writes none"
 
 finish
