@@ -100,15 +100,14 @@ std::string human_reachability(const reachability_check& check)
     return "none";
 }
 
+// The flags that take effect: a primary row's, and Prompt only with Persistent.
 std::string human_flags(const tree_row& row)
 {
     std::string flags;
     if (row.automatic)
         flags += " Automatic";
     if (row.persistent)
-        flags += " Persistent";
-    if (row.prompt)
-        flags += " Prompt";
+        flags += row.prompt ? " Persistent Prompt" : " Persistent";
     return flags;
 }
 

@@ -18,10 +18,14 @@ desk() { record Desk RDP "Don't ping" 3389 5=desk.example.lan "$@"; }
 M=/etc/.kestrel/kestrel.master U=/home/user/kestrel.inf
 zeros=$(printf '%0150d' 0)
 
-new_case clean; master_file "$(desk)"; user_file "TRUE|Desk|RDP|TRUE|TRUE|TRUE"
+new_case clean; master_file "$(record $'D\xe9sk' RDP "Don't ping" 3389 5=desk.example.lan)"
+user_file $'TRUE|D\xe9sk|RDP|TRUE|TRUE|TRUE'
 printf 'SHOW_TASKBAR=TRUE\nkiosk_browser="false"\n' >"$root/etc/zarvooptions"
 check_case clean 0
 grep -qE ': (error|warning): ' "$root/report" && fail "a clean root has findings"
+# A byte is one JSON character, whatever the encoding.
+"$CHECK" --root "$root" --json | python3 -c 'import json, sys; d = json.load(sys.stdin)
+assert d["users"][0]["rows"][0]["name"] == d["connections"][0]["name"] == "D\xe9sk", d' || fail "JSON"
 
 new_case version; master_file "$(desk)"; sed -i 1s/000/001/ "$root$M"
 check_case version 2 "$M:1: error: first line is not \"Version 1.000\": Master connection list version miscompare, no connection is loaded"
