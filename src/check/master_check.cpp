@@ -177,7 +177,7 @@ connection_view launch_of(const connection_record& record)
         view.program = das_program();
         view.argv = std::vector<std::string>{};  // deliberately empty, not even its own name
         break;
-    case connection_type::unknown: view.reachability = {}; break;
+    case connection_type::unknown: break;  // checked for reachability all the same, then nothing starts
     }
     if (!view.program && view.argv && !view.argv->empty())
         view.program = (*view.argv)[0];
