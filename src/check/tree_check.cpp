@@ -1,5 +1,6 @@
 #include "check/checks.h"
 
+#include "platform/paths.h"
 #include "store/models.h"
 #include "store/user_file.h"
 
@@ -45,6 +46,8 @@ void check_user_tree(check_report& report, const master_view& master, const std:
         else
             findings(e);
     };
+    if (!is_regular_file(path))
+        report.warn(file, 0, "missing or no file: the user is offered no connection");
     GtkTreeStore* tree = create_user_tree_store();
     const connection_known_fn known = [&](const std::string& name, const std::string& type) {
         return master.contains(name, type);
