@@ -31,8 +31,7 @@ struct master_view {
     }
 };
 
-// Loads the master list into master_connection_list, reports its quirks and every
-// connection's launch.
+// Reads the master list, reports its quirks and every connection's launch.
 master_view check_master_list(check_report& report, const file_choice& files);
 // One user's tree as the main window shows it, with its quirks. file is the path as
 // reported; path the one read.

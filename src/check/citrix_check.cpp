@@ -54,8 +54,13 @@ std::string appsrv_written(const master_view& master)
     FILE* out = open_memstream(&buffer, &size);
     if (!out)
         return "";
-    GtkTreeModel* model = GTK_TREE_MODEL(master_connection_list);
-    write_appsrv_header(out, model);
+    // The header names the ICA connections of the list, in list order.
+    GtkListStore* ica_rows = create_master_store();
+    for (const connection_record& record : master.records)
+        if (parse_connection_type(record[MC_TYPE]) == connection_type::ica)
+            insert_master_row(ica_rows, -1, record);
+    write_appsrv_header(out, GTK_TREE_MODEL(ica_rows));
+    g_object_unref(ica_rows);
     for (const connection_record& record : master.records)
         if (parse_connection_type(record[MC_TYPE]) == connection_type::ica)
             std::fputs(ica_section(record).c_str(), out);

@@ -8,7 +8,6 @@
 #include "store/models.h"
 
 #include <map>
-#include <unordered_map>
 #include <utility>
 
 std::string file_choice::read_path(const std::string& inside_root) const
@@ -193,6 +192,7 @@ master_view check_master_list(check_report& report, const file_choice& files)
     const read_observer observer = findings_observer(report, file);
     std::map<std::pair<std::string, std::string>, int> first_seen;
     std::vector<connection_record> in_file_order;
+    std::vector<int> list_order;
     const master_header header = read_master_records(
         path.c_str(), master_file_columns,
         [&](connection_record&& record, int line) {
@@ -208,29 +208,16 @@ master_view check_master_list(check_report& report, const file_choice& files)
                                             quoted(in_file_order.back()[MC_NAME]) + ": the list is shown sorted");
             in_file_order.push_back(std::move(record));
         },
-        &observer);
+        &observer, master_file_columns, &list_order);
     if (header == master_header::wrong_version)
         report.fail(file, 1, "first line is not \"Version 1.000\": Master connection list version miscompare, "
                              "no connection is loaded");
     if (header == master_header::missing)
         report.warn(file, 0, "missing or unreadable: no connection is offered");
 
-    // The list's own load puts the records in the order the program shows them; equal
-    // pairs keep their file order there, so each row takes the next record of its pair.
-    master_connection_list = create_master_store();
-    load_master_file(master_connection_list, path.c_str(), master_file_columns);
     master_view master;
-    std::unordered_map<std::string, std::vector<size_t>> by_pair;
-    for (size_t i = in_file_order.size(); i-- > 0;)
-        by_pair[in_file_order[i][MC_NAME] + '\n' + in_file_order[i][MC_TYPE]].push_back(i);
-    GtkTreeModel* model = GTK_TREE_MODEL(master_connection_list);
-    GtkTreeIter iter;
-    for (bool more = gtk_tree_model_get_iter_first(model, &iter); more; more = gtk_tree_model_iter_next(model, &iter)) {
-        std::vector<size_t>& next = by_pair[model_text(model, &iter, MC_NAME) + '\n' + model_text(model, &iter, MC_TYPE)];
-        if (next.empty())
-            continue;
-        master.records.push_back(std::move(in_file_order[next.back()]));
-        next.pop_back();
+    for (int number : list_order) {
+        master.records.push_back(std::move(in_file_order[number]));
         const connection_record& record = master.records.back();
         master.pairs.insert(record[MC_NAME] + '\n' + record[MC_TYPE]);
         report.connections.push_back(launch_of(record));

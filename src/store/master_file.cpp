@@ -30,10 +30,11 @@ bool name_less(const std::string& row_name, const char* new_name)
 // which gives the same places.
 class insertion_order {
 public:
+    // existing null: a list that starts empty.
     explicit insertion_order(GtkTreeModel* existing)
     {
         GtkTreeIter iter;
-        for (bool more = gtk_tree_model_get_iter_first(existing, &iter); more;
+        for (bool more = existing && gtk_tree_model_get_iter_first(existing, &iter); more;
              more = gtk_tree_model_iter_next(existing, &iter)) {
             sequence_.push_back(static_cast<int>(names_.size()));
             names_.push_back(model_text(existing, &iter, MC_NAME));
@@ -175,7 +176,7 @@ bool master_names::contains(const std::string& name, const std::string& type) co
 }
 
 master_header read_master_records(const char* path, int lines_per_record, const master_record_visit& visit,
-                                  const read_observer* observer, int kept_columns)
+                                  const read_observer* observer, int kept_columns, std::vector<int>* list_order)
 {
     unique_file file = open_file(path, "re");
     if (!file)
@@ -185,11 +186,18 @@ master_header read_master_records(const char* path, int lines_per_record, const 
     const master_header header = read_header(reader);
     if (header == master_header::wrong_version)
         return header;
+    insertion_order places(nullptr);
     while (reader.read()) {
+        const size_t at = list_order ? places.place_of(reader.c_str()) : 0;
         const int first_line = reader.line_number();
         reader.drop_last_char();
-        visit(read_record(reader, lines_per_record, kept_columns), first_line);
+        connection_record record = read_record(reader, lines_per_record, kept_columns);
+        if (list_order)
+            places.insert(at, record[MC_NAME]);
+        visit(std::move(record), first_line);
     }
+    if (list_order)
+        *list_order = places.list_order();
     return header;
 }
 

@@ -47,10 +47,12 @@ master_names read_master_names(const char* path, int lines_per_record);
 // Reads a master list file record by record, in file order, without a store: visit gets
 // each record (columns from kept_columns on left empty) and the number of its first line.
 // The observer, when given, hears of every line the load reads differently from its text.
+// list_order, when given, receives the records' numbers (0 for the first in the file) in
+// the order a load into an empty list puts them.
 using master_record_visit = std::function<void(connection_record&& record, int first_line)>;
 master_header read_master_records(const char* path, int lines_per_record, const master_record_visit& visit,
                                   const read_observer* observer = nullptr,
-                                  int kept_columns = master_file_columns);
+                                  int kept_columns = master_file_columns, std::vector<int>* list_order = nullptr);
 
 // Where a connection added by an editor goes: before the first row whose name is not
 // less than name, compared without regard to case; -1 (the end) when there is none.

@@ -47,6 +47,7 @@ check_case columns 2 "$M:7: error: \"standard echo\" is no flag word and counts 
   "$M:40: warning: connection \"Desk\" (RDP) again, first on line 5: only the first is ever started" \
   "$M:76: warning: connection \"Alpha\": type \"RDX\" is none of the six: it starts nothing" \
   "$M:75: warning: name \"Alpha\" comes after \"Desk\": the list is shown sorted"
+[ "$(grep -m1 '^connection' "$root/report")" = 'connection "Alpha" (RDX)' ] || fail "not in the list's order"
 
 new_case tree; master_file "$(desk)"
 user_file "TRUE|Gone|RDP|FALSE|FALSE|FALSE" "FALSE|Desk|RDP|FALSE|FALSE|TRUE" "FALSE|Desk|RDP|yes|TRUE|FALSE"
