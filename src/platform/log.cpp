@@ -4,6 +4,7 @@
 #include "platform/tmp_files.h"
 
 #include <cstdarg>
+#include <cstdio>
 #include <fcntl.h>
 #include <string>
 #include <sys/stat.h>
@@ -13,23 +14,63 @@ FILE* logfile = nullptr;
 
 namespace {
 constexpr const char* log_path = "/tmp/zarvoca.log";
+constexpr const char* older_suffix = ".old";
+
+std::string log_file_path() { return root_path(log_path); }
+
+// /tmp is shared: a link planted under the log's name is never followed, and only a
+// plain file of this user gets mode 0666, so no one can choose the file this program
+// appends to or opens up. Close-on-exec, so that session programs do not inherit it;
+// non-blocking for the open only, so that a planted FIFO cannot hang the start.
+FILE* open_log_file(const std::string& path)
+{
+    const int fd = open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK, 0666);
+    if (fd < 0)
+        return nullptr;
+    FILE* file = nullptr;
+    if (is_own_single_file(fd) && fcntl(fd, F_SETFL, O_APPEND) == 0 && fchmod(fd, 0666) == 0)
+        file = fdopen(fd, "a");
+    if (!file)
+        close(fd);
+    return file;
 }
+
+// True while the log's name still leads to the file this program writes (and not to a
+// link or file someone put there since).
+bool name_is_ours(const std::string& path)
+{
+    struct stat named {};
+    struct stat ours {};
+    return lstat(path.c_str(), &named) == 0 && fstat(fileno(logfile), &ours) == 0 &&
+           S_ISREG(named.st_mode) && named.st_dev == ours.st_dev && named.st_ino == ours.st_ino;
+}
+
+// The log lives in memory on a terminal, so it is kept to two files of log_size_limit:
+// the full one moves aside to the older copy (rename moves names, never through links)
+// and a fresh one starts. When the name is no longer ours, or the fresh file cannot be
+// made, the file in hand is emptied instead: older lines are lost, the bound is kept.
+void start_afresh()
+{
+    const std::string path = log_file_path();
+    FILE* fresh = nullptr;
+    if (name_is_ours(path) && std::rename(path.c_str(), (path + older_suffix).c_str()) == 0)
+        fresh = open_log_file(path);
+    if (fresh) {
+        std::fclose(logfile);
+        logfile = fresh;
+    } else if (ftruncate(fileno(logfile), 0) != 0) {
+        log_close();  // a log that can neither move nor shrink would grow without end
+    }
+}
+
+}  // namespace
 
 bool log_open()
 {
-    // /tmp is shared: a link planted under the log's name is never followed, and only a
-    // plain file of this user gets mode 0666, so no one can choose the file this program
-    // appends to or opens up. Close-on-exec, so that session programs do not inherit it;
-    // non-blocking for the open only, so that a planted FIFO cannot hang the start.
-    const std::string path = root_path(log_path);
-    const int fd = open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK, 0666);
-    if (fd >= 0 && is_own_single_file(fd) && fcntl(fd, F_SETFL, O_APPEND) == 0 && fchmod(fd, 0666) == 0)
-        logfile = fdopen(fd, "a");
+    logfile = open_log_file(log_file_path());
     if (!logfile) {
-        if (fd >= 0)
-            close(fd);
         std::fprintf(stderr, "Running without a log: %s is not a file of this user that can be opened.\n",
-                     path.c_str());
+                     log_file_path().c_str());
         return false;
     }
     return true;
@@ -44,6 +85,8 @@ void log_printf(const char* format, ...)
     std::vfprintf(logfile, format, args);
     va_end(args);
     std::fflush(logfile);
+    if (std::ftell(logfile) >= log_size_limit)
+        start_afresh();
 }
 
 void log_close()

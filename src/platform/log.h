@@ -1,6 +1,10 @@
 #pragma once
-// The program's log, /tmp/zarvoca.log: free-form lines, each flushed at once.
+// The program's log, /tmp/zarvoca.log: free-form lines, each flushed at once. Past
+// log_size_limit bytes it moves aside to /tmp/zarvoca.log.old (replacing the one
+// before) and starts afresh, so a storm of restarts cannot fill a terminal's memory.
 #include <cstdio>
+
+inline constexpr long log_size_limit = 1024 * 1024;
 
 extern FILE* logfile;  // open from start-up until exit; null when it could not be opened
 

@@ -5,6 +5,9 @@
 
 #include "support/test_support.h"
 
+#include <filesystem>
+#include <unistd.h>
+
 namespace {
 
 TEST(root_prefix, moves_every_path_but_devices)
@@ -53,5 +56,35 @@ TEST_F(platform_test, log_lines_are_flushed_and_dialog_texts_kept)
     show_error("\nSecond.\n");
     EXPECT_EQ(messages.shown, (std::vector<std::string>{"\nCitrix ICA configuration error, ICAROOT not set.\n",
                                                         "\nSecond.\n"}));
+}
+
+// Past its limit the log moves aside once and starts afresh. A link planted at the older
+// copy's name is replaced, not written through; when the log's own name was swapped for
+// a link, the file in hand is emptied instead and the link's target is left alone.
+TEST_F(platform_test, log_moves_aside_past_its_limit_without_following_links)
+{
+    const std::string log = root / "tmp/zarvoca.log", older = log + ".old", target = root / "target";
+    const std::string line(1000, 'x');
+    write_file(target, "precious\n");
+    std::filesystem::create_directories(root / "tmp");
+    for (const bool swapped : {false, true}) {
+        std::filesystem::remove(log);
+        std::filesystem::remove(older);
+        ASSERT_EQ(symlink(target.c_str(), older.c_str()), 0);
+        ASSERT_TRUE(log_open());
+        if (swapped) {
+            std::filesystem::remove(log);
+            ASSERT_EQ(symlink(target.c_str(), log.c_str()), 0);
+        }
+        for (int i = 0; i < 1100; ++i)
+            log_printf("%s\n", line.c_str());
+        log_close();
+        EXPECT_EQ(read_file_text(target), "precious\n");
+        EXPECT_EQ(std::filesystem::is_symlink(older), swapped);
+        if (!swapped) {
+            EXPECT_EQ(std::filesystem::file_size(older), 1048u * 1001u);
+            EXPECT_EQ(std::filesystem::file_size(log), 52u * 1001u);
+        }
+    }
 }
 }  // namespace
