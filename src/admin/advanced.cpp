@@ -43,8 +43,7 @@ void expand_user_view(GtkTreeView* view)
 
 void add_text_column(GtkTreeView* view, const char* title, int column, bool resizable)
 {
-    GtkTreeViewColumn* c = gtk_tree_view_column_new_with_attributes(
-        title, gtk_cell_renderer_text_new(), "text", column, nullptr);
+    GtkTreeViewColumn* c = text_view_column(title, column);
     gtk_tree_view_column_set_resizable(c, resizable);
     gtk_tree_view_append_column(view, c);
 }

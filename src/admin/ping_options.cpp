@@ -39,15 +39,15 @@ void smart_ping_toggle_cb(GtkToggleButton* check, ping_state* state)
 {
     const bool smart = gtk_toggle_button_get_active(check);
     gtk_editable_set_editable(GTK_EDITABLE(state->port), smart);
-    gtk_entry_set_text(GTK_ENTRY(state->port), smart ? state->default_port.c_str() : icmp_echo_port);
+    set_entry_bytes(state->port, smart ? state->default_port : std::string(icmp_echo_port));
 }
 
 void smart_ping_save_cb(GtkWidget*, ping_state* state)
 {
     GtkTreeIter iter;
     if (gtk_tree_model_get_iter_from_string(state->model, &iter, state->path.c_str())) {
-        const gchar* port = gtk_entry_get_text(GTK_ENTRY(state->port));
-        gtk_list_store_set(GTK_LIST_STORE(state->model), &iter, MC_PING_PORT, port, -1);
+        const std::string port = entry_bytes(state->port);
+        gtk_list_store_set(GTK_LIST_STORE(state->model), &iter, MC_PING_PORT, port.c_str(), -1);
         save_master_connections();
     }
     gtk_widget_destroy(state->window);
@@ -67,7 +67,7 @@ GtkWidget* ping_options_content(ping_state* state, const std::string& stored_por
     GtkWidget* table = form_table();
     state->check = form_check(table, 0, "Use 'Smart Ping'", "smart-ping");
     state->port = form_entry(table, 1, "Port to open:", "port");
-    gtk_entry_set_text(GTK_ENTRY(state->port), stored_port.c_str());
+    set_entry_bytes(state->port, stored_port);
     gtk_editable_set_editable(GTK_EDITABLE(state->port), FALSE);
     g_signal_connect(state->check, "toggled", G_CALLBACK(smart_ping_toggle_cb), state);
     // A stored port is shown as the type's default whenever the window opens: the

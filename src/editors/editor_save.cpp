@@ -25,7 +25,7 @@ void free_editor(GtkWidget*, editor* e)
     delete e;
 }
 
-std::string name_text(const editor* e) { return gtk_entry_get_text(GTK_ENTRY(e->name)); }
+std::string name_text(const editor* e) { return entry_bytes(e->name); }
 
 // A new connection needs a name, and its (name, type) must not be taken.
 bool new_name_accepted(const std::string& name, const char* type)
@@ -114,7 +114,7 @@ void load_editor(editor* e)
     }
     const connection_record record = read_master_row(master_model(), &iter);
     connect_info.text = record.col;
-    gtk_entry_set_text(GTK_ENTRY(e->name), record[MC_NAME].c_str());
+    set_entry_bytes(e->name, record[MC_NAME]);
     gtk_widget_set_sensitive(e->name, FALSE);
     const int flags_column = e->kind->flags_column;
     fill_widgets(e->kind->columns, e->widgets.data(), record,

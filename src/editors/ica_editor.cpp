@@ -8,6 +8,7 @@
 #include "ica/server_location.h"
 #include "ica/wfclient.h"
 #include "platform/message.h"
+#include "platform/text.h"
 #include "store/choices.h"
 #include "ui/form.h"
 #include "ui/widgets.h"
@@ -182,8 +183,7 @@ void ica_get_published_list(GtkWidget*, ica_editor* b)
     GtkWidget* combo = e->widgets[ICA_SERVER];
     const std::string typed = combo_text(combo);
     gtk_list_store_clear(GTK_LIST_STORE(gtk_combo_box_get_model(GTK_COMBO_BOX(combo))));
-    for (const std::string& name : names)
-        gtk_combo_box_text_append_text(GTK_COMBO_BOX_TEXT(combo), name.c_str());
+    append_choices(combo, names);
     set_combo_text(combo, typed);
 }
 
@@ -417,7 +417,7 @@ void ica_dialog(GtkTreePath* path)
     std::string& protocol = connect_info.text[MC_ICA_PROTOCOL];
     if (!e->path)
         group = protocol = ica_default;
-    gtk_label_set_text(GTK_LABEL(e->widgets[ICA_PRIMARY_SERVER]), primary_server_text(group).c_str());
+    gtk_label_set_text(GTK_LABEL(e->widgets[ICA_PRIMARY_SERVER]), shown_text(primary_server_text(group)).c_str());
     b->locations = ica_server_locations_new(e->window, &group, &protocol);
     b->locations->primary_label = e->widgets[ICA_PRIMARY_SERVER];
     ica_create_server_lists(b->locations);

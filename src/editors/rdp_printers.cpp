@@ -45,14 +45,14 @@ GtkWidget* printer_view(GtkListStore* table)
     g_signal_connect(redirect, "toggled", G_CALLBACK(rd_printcap_enable_cb), table);
     gtk_tree_view_insert_column_with_attributes(GTK_TREE_VIEW(view), -1, "Redirect", redirect, "active",
                                                 PC_REDIRECT, nullptr);
-    gtk_tree_view_insert_column_with_attributes(GTK_TREE_VIEW(view), -1, "Local Printer Name",
-                                                gtk_cell_renderer_text_new(), "text", PC_NAME, nullptr);
+    gtk_tree_view_append_column(GTK_TREE_VIEW(view), text_view_column("Local Printer Name", PC_NAME));
     GtkCellRenderer* driver = gtk_cell_renderer_text_new();
     g_object_set(driver, "editable", TRUE, nullptr);
     g_signal_connect(driver, "edited", G_CALLBACK(rd_printcap_editable_cb), table);
-    gtk_tree_view_insert_column_with_attributes(GTK_TREE_VIEW(view), -1,
-                                                "Installed Printer Driver Name on Server", driver, "text",
-                                                PC_DRIVER, nullptr);
+    GtkTreeViewColumn* drivers =
+        gtk_tree_view_column_new_with_attributes("Installed Printer Driver Name on Server", driver, nullptr);
+    show_model_text(drivers, driver, PC_DRIVER);
+    gtk_tree_view_append_column(GTK_TREE_VIEW(view), drivers);
     return view;
 }
 
@@ -76,7 +76,7 @@ void rd_printcap_dialog(GtkToggleButton* box, editor* e)
         show_error("\nCouldn't open printcaps.\n");
         return;
     }
-    GtkListStore* table = printer_table(printcap.get(), gtk_entry_get_text(GTK_ENTRY(e->widgets[RD_PRINTERS])));
+    GtkListStore* table = printer_table(printcap.get(), entry_bytes(e->widgets[RD_PRINTERS]));
     GtkWidget* window = program_window("Printers");
     gtk_window_set_default_size(GTK_WINDOW(window), window_width, window_height);
     gtk_container_set_border_width(GTK_CONTAINER(window), window_border);
@@ -127,7 +127,7 @@ void rd_printcap_ok_button_cb(GtkWidget* button, editor* e)
     gtk_tree_model_foreach(GTK_TREE_MODEL(g_object_get_data(G_OBJECT(window), table_key)),
                            rd_printcap_foreach, &chosen);
     working_printer_text() = printer_selection(chosen);
-    gtk_entry_set_text(GTK_ENTRY(e->widgets[RD_PRINTERS]), working_printer_text().c_str());
+    set_entry_bytes(e->widgets[RD_PRINTERS], working_printer_text());
     if (working_printer_text().empty())
         turn_printers_off(e);
     gtk_widget_destroy(window);

@@ -248,8 +248,9 @@ GtkWidget* toggle_column(GtkWidget* view, const char* title, int column, GCallba
 
 void text_column(GtkWidget* view, const char* title, int column, GtkCellRenderer* cell)
 {
-    gtk_tree_view_append_column(GTK_TREE_VIEW(view),
-                                gtk_tree_view_column_new_with_attributes(title, cell, "text", column, nullptr));
+    GtkTreeViewColumn* view_column = gtk_tree_view_column_new_with_attributes(title, cell, nullptr);
+    show_model_text(view_column, cell, column);
+    gtk_tree_view_append_column(GTK_TREE_VIEW(view), view_column);
 }
 
 GtkWidget* drive_page(global_window* g, const global_settings& s)

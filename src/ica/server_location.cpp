@@ -1,6 +1,7 @@
 #include "ica/server_location.h"
 
 #include "ica/wfclient.h"
+#include "platform/text.h"
 #include "store/choices.h"
 #include "store/ica_paths.h"
 #include "ui/widgets.h"
@@ -73,7 +74,7 @@ bool selected_in(const server_location_state* s, GtkListStore* list, GtkTreeIter
 void set_primary_label(const server_location_state* s)
 {
     if (s->primary_label && s->window)
-        gtk_label_set_text(GTK_LABEL(s->primary_label), primary_server_text(*s->group).c_str());
+        gtk_label_set_text(GTK_LABEL(s->primary_label), shown_text(primary_server_text(*s->group)).c_str());
 }
 
 // The custom group's server: the selected row, else the first; "" when there is none.
@@ -95,9 +96,7 @@ GtkWidget* address_view(server_location_state* s)
 {
     s->view = gtk_tree_view_new();
     gtk_widget_set_name(s->view, "server-addresses");
-    GtkTreeViewColumn* column = gtk_tree_view_column_new_with_attributes(
-        "Address", gtk_cell_renderer_text_new(), "text", 0, nullptr);
-    gtk_tree_view_append_column(GTK_TREE_VIEW(s->view), column);
+    gtk_tree_view_append_column(GTK_TREE_VIEW(s->view), text_view_column("Address", 0));
     GtkWidget* scroller = vertical_scroller(s->view);
     gtk_widget_set_size_request(scroller, -1, list_height);
     return scroller;

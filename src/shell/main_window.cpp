@@ -2,6 +2,7 @@
 
 #include "launch/spawn.h"
 #include "platform/message.h"
+#include "platform/text.h"
 #include "platform/paths.h"
 #include "platform/shell_command.h"
 #include "shell/exit.h"
@@ -73,10 +74,10 @@ void set_error_label(const std::string& text)
 {
     error_text = text;
     if (error_label)
-        gtk_label_set_text(GTK_LABEL(error_label), text.c_str());
+        gtk_label_set_text(GTK_LABEL(error_label), shown_text(text).c_str());
 }
 
-void run_error_dialog_window() { run_shared_dialog(&error_dialog, &error_label, error_text.c_str()); }
+void run_error_dialog_window() { run_shared_dialog(&error_dialog, &error_label, shown_text(error_text).c_str()); }
 
 GtkTreeView* connection_view()
 {
@@ -196,7 +197,7 @@ public:
     {
         gchar* name = nullptr;
         gtk_tree_model_get(model, iter, TC_NAME, &name, -1);
-        pango_layout_set_text(layout_, name ? name : "", -1);
+        pango_layout_set_text(layout_, shown_text(name ? name : "").c_str(), -1);
         g_free(name);
         PangoRectangle text;
         pango_layout_get_pixel_extents(layout_, nullptr, &text);
@@ -342,8 +343,7 @@ void make_user_renderer(GtkTreeView* view)
         {"Status", TC_STATUS, 102, true},
     };
     for (const column_shape& shape : shapes) {
-        GtkTreeViewColumn* column = gtk_tree_view_column_new_with_attributes(
-            shape.title, gtk_cell_renderer_text_new(), "text", shape.column, nullptr);
+        GtkTreeViewColumn* column = text_view_column(shape.title, shape.column);
         gtk_tree_view_column_set_clickable(column, FALSE);
         gtk_tree_view_column_set_reorderable(column, FALSE);
         gtk_tree_view_column_set_sizing(column, GTK_TREE_VIEW_COLUMN_FIXED);

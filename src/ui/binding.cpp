@@ -1,5 +1,6 @@
 #include "ui/binding.h"
 
+#include "platform/text.h"
 #include "store/password.h"
 #include "ui/widgets.h"
 
@@ -7,18 +8,16 @@
 
 namespace {
 
-std::string entry_text(GtkWidget* entry) { return gtk_entry_get_text(GTK_ENTRY(entry)); }
+// Fields keep the bytes they were loaded from while unchanged (set_entry_bytes).
+std::string entry_text(GtkWidget* entry) { return entry_bytes(entry); }
 
-void set_entry_text(GtkWidget* entry, const std::string& text)
-{
-    gtk_entry_set_text(GTK_ENTRY(entry), text.c_str());
-}
+void set_entry_text(GtkWidget* entry, const std::string& text) { set_entry_bytes(entry, text); }
 
 // The member of radio's group whose label is label (null when none is).
 GtkWidget* radio_with_label(GtkWidget* radio, const std::string& label)
 {
     for (GSList* m = gtk_radio_button_get_group(GTK_RADIO_BUTTON(radio)); m; m = m->next)
-        if (label == gtk_button_get_label(GTK_BUTTON(m->data)))
+        if (shown_text(label) == gtk_button_get_label(GTK_BUTTON(m->data)))
             return GTK_WIDGET(m->data);
     return nullptr;
 }

@@ -65,8 +65,7 @@ GtkWidget* form_editable_combo(GtkWidget* table, int row, const char* label, con
                                const std::vector<std::string>& choices)
 {
     GtkWidget* combo = gtk_combo_box_text_new_with_entry();
-    for (const std::string& choice : choices)
-        gtk_combo_box_text_append_text(GTK_COMBO_BOX_TEXT(combo), choice.c_str());
+    append_choices(combo, choices);
     if (!choices.empty())
         gtk_combo_box_set_active(GTK_COMBO_BOX(combo), 0);
     return labelled_row(table, row, label, name_widget(combo, name));

@@ -1,5 +1,9 @@
 #include "ui/widgets.h"
 
+#include "platform/text.h"
+
+#include <unordered_map>
+
 namespace {
 
 constexpr int row_spacing = 10;
@@ -24,6 +28,38 @@ int choice_index(GtkWidget* combo, const std::string& text)
 }
 
 GtkEntry* combo_entry(GtkWidget* combo) { return GTK_ENTRY(gtk_bin_get_child(GTK_BIN(combo))); }
+
+// What an entry remembers of the file's bytes behind its text.
+struct held_text {
+    std::string loaded;                                        // the bytes last set
+    std::string shown;                                         // and how they were shown
+    std::unordered_map<std::string, std::string> raw_of_shown; // choices that are not UTF-8
+};
+
+constexpr const char* held_key = "kestrelle-held-text";
+
+held_text& held(GtkWidget* entry)
+{
+    auto* h = static_cast<held_text*>(g_object_get_data(G_OBJECT(entry), held_key));
+    if (!h) {
+        h = new held_text;
+        g_object_set_data_full(G_OBJECT(entry), held_key, h,
+                               [](gpointer p) { delete static_cast<held_text*>(p); });
+    }
+    return *h;
+}
+
+void shown_cell_cb(GtkTreeViewColumn*, GtkCellRenderer* renderer, GtkTreeModel* model,
+                   GtkTreeIter* iter, gpointer column)
+{
+    gchar* text = nullptr;
+    gtk_tree_model_get(model, iter, GPOINTER_TO_INT(column), &text, -1);
+    if (text && !g_utf8_validate(text, -1, nullptr))
+        g_object_set(renderer, "text", shown_text(text).c_str(), nullptr);
+    else
+        g_object_set(renderer, "text", text, nullptr);
+    g_free(text);
+}
 
 }  // namespace
 
@@ -71,30 +107,69 @@ void hide_while_open(GtkWidget* window, GtkWidget* other)
     gtk_widget_hide(other);
 }
 
+void set_entry_bytes(GtkWidget* entry, const std::string& bytes)
+{
+    held_text& h = held(entry);
+    h.loaded = bytes;
+    h.shown = shown_text(bytes);
+    gtk_entry_set_text(GTK_ENTRY(entry), h.shown.c_str());
+}
+
+std::string entry_bytes(GtkWidget* entry)
+{
+    const std::string text = gtk_entry_get_text(GTK_ENTRY(entry));
+    const auto* h = static_cast<const held_text*>(g_object_get_data(G_OBJECT(entry), held_key));
+    if (!h)
+        return text;
+    if (text == h->shown)
+        return h->loaded;
+    const auto choice = h->raw_of_shown.find(text);
+    return choice != h->raw_of_shown.end() ? choice->second : text;
+}
+
+void append_choices(GtkWidget* combo, const std::vector<std::string>& choices)
+{
+    for (const std::string& choice : choices) {
+        const std::string shown = shown_text(choice);
+        if (shown != choice)
+            held(GTK_WIDGET(combo_entry(combo))).raw_of_shown.emplace(shown, choice);
+        gtk_combo_box_text_append_text(GTK_COMBO_BOX_TEXT(combo), shown.c_str());
+    }
+}
+
+void show_model_text(GtkTreeViewColumn* view_column, GtkCellRenderer* renderer, int column)
+{
+    gtk_tree_view_column_set_cell_data_func(view_column, renderer, shown_cell_cb,
+                                            GINT_TO_POINTER(column), nullptr);
+}
+
+GtkTreeViewColumn* text_view_column(const char* title, int column)
+{
+    GtkCellRenderer* renderer = gtk_cell_renderer_text_new();
+    GtkTreeViewColumn* view_column = gtk_tree_view_column_new_with_attributes(title, renderer, nullptr);
+    show_model_text(view_column, renderer, column);
+    return view_column;
+}
+
 GtkWidget* fixed_choice_combo(const std::vector<std::string>& choices, const std::string& initial)
 {
     GtkWidget* combo = gtk_combo_box_text_new_with_entry();
-    for (const std::string& choice : choices)
-        gtk_combo_box_text_append_text(GTK_COMBO_BOX_TEXT(combo), choice.c_str());
+    append_choices(combo, choices);
     gtk_editable_set_editable(GTK_EDITABLE(combo_entry(combo)), FALSE);
-    const int index = choice_index(combo, initial);
+    const int index = choice_index(combo, shown_text(initial));
     gtk_combo_box_set_active(GTK_COMBO_BOX(combo), index >= 0 ? index : 0);
     return combo;
 }
 
-std::string combo_text(GtkWidget* combo)
-{
-    const gchar* text = gtk_entry_get_text(combo_entry(combo));
-    return text ? text : "";
-}
+std::string combo_text(GtkWidget* combo) { return entry_bytes(GTK_WIDGET(combo_entry(combo))); }
 
 void set_combo_text(GtkWidget* combo, const std::string& text)
 {
-    const int index = choice_index(combo, text);
+    GtkWidget* entry = GTK_WIDGET(combo_entry(combo));
+    const int index = choice_index(combo, shown_text(text));
+    set_entry_bytes(entry, text);
     if (index >= 0)
         gtk_combo_box_set_active(GTK_COMBO_BOX(combo), index);
-    else
-        gtk_entry_set_text(combo_entry(combo), text.c_str());
 }
 
 GtkWidget* wrapped_note(const char* text)
@@ -137,7 +212,7 @@ GtkWidget* save_cancel_row(GtkWidget* window, GCallback save, GCallback cancel, 
 bool ask_yes_no(GtkWindow* parent, const std::string& question)
 {
     GtkWidget* box = gtk_message_dialog_new(parent, GTK_DIALOG_MODAL, GTK_MESSAGE_QUESTION,
-                                            GTK_BUTTONS_YES_NO, "%s", question.c_str());
+                                            GTK_BUTTONS_YES_NO, "%s", shown_text(question).c_str());
     gtk_window_set_position(GTK_WINDOW(box), GTK_WIN_POS_CENTER);
     gtk_window_set_icon(GTK_WINDOW(box), program_icon());
     const bool yes = gtk_dialog_run(GTK_DIALOG(box)) == GTK_RESPONSE_YES;

@@ -19,12 +19,29 @@ void expand_every_group(GtkTreeView* view);
 // Hides other (if any) now and shows it again when window is destroyed.
 void hide_while_open(GtkWidget* window, GtkWidget* other);
 
+// Texts from files in entries, combos and lists. A window shows them through shown_text
+// and a field remembers the bytes it was loaded from: while its shown text is unchanged
+// it reads back as those very bytes, so a Save without changes rewrites a file byte for
+// byte. A changed field reads back as the UTF-8 the user sees and typed (GTK holds no
+// other form, and UTF-8 then shows alike in every window and tool), except that a text
+// equal to one of a combo's choices reads back as the bytes that choice came from: a user
+// or host picked from a list keeps the bytes the other files know it by.
+void set_entry_bytes(GtkWidget* entry, const std::string& bytes);
+std::string entry_bytes(GtkWidget* entry);
+// Appends choices (as a file holds them) to a combo with an entry.
+void append_choices(GtkWidget* combo, const std::vector<std::string>& choices);
+// Shows column of the model as text in renderer, converted by shown_text.
+void show_model_text(GtkTreeViewColumn* view_column, GtkCellRenderer* renderer, int column);
+// A titled tree view column showing column of the model as text.
+GtkTreeViewColumn* text_view_column(const char* title, int column);
+
 // A drop-down whose entry cannot be typed in, only chosen from, starting at initial
 // (or the first choice when initial is not among them).
 GtkWidget* fixed_choice_combo(const std::vector<std::string>& choices, const std::string& initial);
-// The text of a combo built with an entry ("" when none).
+// The text of a combo built with an entry ("" when none), read as entry_bytes does.
 std::string combo_text(GtkWidget* combo);
-// Shows text in the combo's entry, whether or not it is one of its choices.
+// Shows text in the combo's entry, whether or not it is one of its choices, and
+// remembers it as set_entry_bytes does.
 void set_combo_text(GtkWidget* combo, const std::string& text);
 
 // A left-aligned label that wraps: the notes and explanations of a window.

@@ -14,7 +14,8 @@ struct editor_case { editor_opener opener; const char *title, *stored, *shown, *
 
 // Filled from the row and saved unchanged: the columns an editor owns come back as
 // stored, the others as the editor writes them, 0 to 4 and 35 as they were. The
-// "Odd" rows hold texts of another program's making that match no choice.
+// "Odd" rows hold texts of another program's making that match no choice, and bytes
+// that are not UTF-8: they show as Latin-1 and are saved back as they were.
 TEST_F(admin_test, every_editor_saves_the_columns_it_shows_unchanged)
 {
     const editor_case table[] = {
@@ -42,13 +43,13 @@ TEST_F(admin_test, every_editor_saves_the_columns_it_shows_unchanged)
          "Round|RDP|TRUE|3390|7|ts.example|||notepad.exe|C:\\work|ann|s3cret|CORP|1142x864|High Color (15 bit)|"
          "Do not play|||||thin7||||||Danish|Custom|home=/home/ann|lp=\"HP\"|LPT2=/dev/lp1|COM2=/dev/ttyS1||10922|0|TRUE"},
         {rd_dialog, "rdesktop connection",
-         "Odd|RDP|FALSE|1|1|c5|c6|c7|c8|c9|c10|s3cret|c12|999x1|Weird|c15|c16|c17|c18|c19|c20|c21|c22|c23|c24|"
+         "Odd|RDP|FALSE|1|1|c5|c6|c7|c8|c9|j\xf6rg|s\xe9" "cret|\xff\xfe|999x1|Weird|c15|c16|c17|c18|c19|c20|c21|c22|c23|c24|"
          "c25|Klingon|Custom|c28|c29|c30|c31|c32|21844|c34|FALSE",
          "animation; background; bitmap_caching; client_hostname=c20; colors=Weird; compression; computer=c5; disk; "
-         "disk_value=c28; domain=c12; experience=Custom; extra_options; extra_options_value=c32; folder=c9; "
-         "keyboard=Klingon; name=Odd; parallel_value=c30; password=s3cret; printers_value=c29; program=c8; serial; "
-         "serial_value=c31; size=999x1; sound=c15; username=c10",
-         "Odd|RDP|FALSE|1|1|c5|||||c10|s3cret|c12|999x1|Weird|c15|||||c20||||||Klingon|Custom|c28||c30|c31|c32|"
+         "disk_value=c28; domain=\u00ff\u00fe; experience=Custom; extra_options; extra_options_value=c32; folder=c9; "
+         "keyboard=Klingon; name=Odd; parallel_value=c30; password=s\u00e9cret; printers_value=c29; program=c8; "
+         "serial; serial_value=c31; size=999x1; sound=c15; username=j\u00f6rg",
+         "Odd|RDP|FALSE|1|1|c5|||||j\xf6rg|s\xe9" "cret|\xff\xfe|999x1|Weird|c15|||||c20||||||Klingon|Custom|c28||c30|c31|c32|"
          "21844|0|FALSE"},
         {xdm_dialog, "XDM connection",
          "Lab|XDM|TRUE|177|1|lab.example|c6|Query|c8|c9|c10|c11|7|2|c14|c15|c16|c17|c18|c19|c20|c21|c22|c23|"
@@ -56,10 +57,10 @@ TEST_F(admin_test, every_editor_saves_the_columns_it_shows_unchanged)
          "Direct; display=2; host=lab.example; keymap=belgian; name=Lab; vt=7",
          "Lab|XDM|TRUE|177|1|lab.example||Query|||||7|2|||||||||||||belgian|||||||0|0|TRUE"},
         {xdm_dialog, "XDM connection",  // a mode word of another case is Indirect
-         "Odd|XDM|FALSE|0|3|x|c6|query|c8|c9|c10|c11|vt9|12|c14|c15|c16|c17|c18|c19|c20|c21|c22|c23|c24|"
-         "c25|Klingon|c27|c28|c29|c30|c31|c32|c33|c34|FALSE",
-         "Indirect; display=12; host=x; keymap=Klingon; name=Odd; vt=vt9",
-         "Odd|XDM|FALSE|0|3|x||Indirect|||||vt9|12|||||||||||||Klingon|||||||0|0|FALSE"},
+         "Caf\xe9|XDM|FALSE|0|3|Z\xfcrich|c6|query|c8|c9|c10|c11|vt9|12|c14|c15|c16|c17|c18|c19|c20|c21|c22|"
+         "c23|c24|c25|Kling\xf6n|c27|c28|c29|c30|c31|c32|c33|c34|FALSE",
+         "Indirect; display=12; host=Z\u00fcrich; keymap=Kling\u00f6n; name=Caf\u00e9; vt=vt9",
+         "Caf\xe9|XDM|FALSE|0|3|Z\xfcrich||Indirect|||||vt9|12|||||||||||||Kling\xf6n|||||||0|0|FALSE"},
         {ica_opener, "ICA connection",  // published, smartcard, disk cache, alternate address, exact colours, seamless
          "Round|ICA|FALSE|1495|7|Mail|srv1:1494|TCP browser|mail.exe|C:\\work|ann|s3cret|CORP|1024x768|256|Low|"
          "Enabled|2599|Off|RC5 (128 bit)|c20|SOCKS|proxy.lan|1080|relay.lan|443|On|Off|c28|c29|c30|c31|c32|c33|"
