@@ -180,11 +180,7 @@ void ica_get_published_list(GtkWidget*, ica_editor* b)
     std::vector<std::string> names;
     if (!ica_published_names(servers, address, &names))
         return;
-    GtkWidget* combo = e->widgets[ICA_SERVER];
-    const std::string typed = combo_text(combo);
-    gtk_list_store_clear(GTK_LIST_STORE(gtk_combo_box_get_model(GTK_COMBO_BOX(combo))));
-    append_choices(combo, names);
-    set_combo_text(combo, typed);
+    replace_choices(e->widgets[ICA_SERVER], names);
 }
 
 // The shared Save row hands over the editor block; columns 6 and 7 come from connect_info,
@@ -214,7 +210,7 @@ void server_page(GtkWidget* notebook, ica_editor* b)
     pack(radios, e->widgets[ICA_PUBLISHED_RADIO]);
     pack(box, radios);
     GtkWidget* row = gtk_hbox_new(FALSE, spacing);
-    e->widgets[ICA_SERVER] = name_widget(gtk_combo_box_text_new_with_entry(), "server");
+    e->widgets[ICA_SERVER] = long_choice_combo("server");
     gtk_entry_set_max_length(GTK_ENTRY(gtk_bin_get_child(GTK_BIN(e->widgets[ICA_SERVER]))), entry_limit);
     GtkWidget* refresh = name_widget(gtk_button_new_from_stock("gtk-refresh"), "refresh");
     g_signal_connect(refresh, "clicked", G_CALLBACK(ica_get_published_list), b);

@@ -151,6 +151,42 @@ GtkTreeViewColumn* text_view_column(const char* title, int column)
     return view_column;
 }
 
+GtkWidget* long_choice_combo(const char* name)
+{
+    // A drop-down menu makes an item for every choice, which takes seconds for a long
+    // list; a list view only draws the rows in sight.
+    const std::string style = std::string("style \"kestrelle-long-list\" { GtkComboBox::appears-as-list = 1 }\n"
+                                          "widget \"*.") + name + "\" style \"kestrelle-long-list\"\n";
+    gtk_rc_parse_string(style.c_str());
+    GtkWidget* combo = gtk_combo_box_text_new_with_entry();
+    gtk_widget_set_name(combo, name);
+    GtkEntryCompletion* completion = gtk_entry_completion_new();
+    gtk_entry_completion_set_text_column(completion, 0);
+    gtk_entry_completion_set_popup_single_match(completion, FALSE);
+    gtk_entry_set_completion(combo_entry(combo), completion);
+    g_object_unref(completion);
+    return combo;
+}
+
+void replace_choices(GtkWidget* combo, const std::vector<std::string>& choices)
+{
+    // Built apart and attached once: a list in view is redrawn for every row added.
+    GtkEntry* entry = combo_entry(combo);
+    const std::string typed = combo_text(combo);
+    held(GTK_WIDGET(entry)).raw_of_shown.clear();
+    GtkListStore* store = gtk_list_store_new(1, G_TYPE_STRING);
+    for (const std::string& choice : choices) {
+        const std::string shown = shown_text(choice);
+        if (shown != choice)
+            held(GTK_WIDGET(entry)).raw_of_shown.emplace(shown, choice);
+        gtk_list_store_insert_with_values(store, nullptr, -1, 0, shown.c_str(), -1);
+    }
+    gtk_combo_box_set_model(GTK_COMBO_BOX(combo), GTK_TREE_MODEL(store));
+    gtk_entry_completion_set_model(gtk_entry_get_completion(entry), GTK_TREE_MODEL(store));
+    g_object_unref(store);
+    set_entry_bytes(GTK_WIDGET(entry), typed);
+}
+
 GtkWidget* fixed_choice_combo(const std::vector<std::string>& choices, const std::string& initial)
 {
     GtkWidget* combo = gtk_combo_box_text_new_with_entry();

@@ -32,6 +32,11 @@ std::string entry_bytes(GtkWidget* entry);
 void append_choices(GtkWidget* combo, const std::vector<std::string>& choices);
 // Shows column of the model as text in renderer, converted by shown_text.
 void show_model_text(GtkTreeViewColumn* view_column, GtkCellRenderer* renderer, int column);
+// A combo with an entry for lists that may hold tens of thousands of choices: it drops
+// down as a scrolled list, and its entry completes what is typed from the choices.
+GtkWidget* long_choice_combo(const char* name);
+// Replaces the choices of a long_choice_combo, keeping the text in its entry.
+void replace_choices(GtkWidget* combo, const std::vector<std::string>& choices);
 // A titled tree view column showing column of the model as text.
 GtkTreeViewColumn* text_view_column(const char* title, int column);
 
