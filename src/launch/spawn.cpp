@@ -212,6 +212,9 @@ int spawn_connection(GtkTreeModel* model, GtkTreeIter* iter)
         return 0;
     // Output still buffered in our streams would otherwise be written by the child too.
     std::fflush(nullptr);
+    // The child's lines go to the log this process holds, and a storm of restarts may
+    // be all that writes to it.
+    log_keep_bounded();
     // The child finds its connection through the master list's index: bring it up to
     // date once here rather than in every child.
     if (master_connection_list)

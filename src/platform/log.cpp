@@ -16,6 +16,11 @@ namespace {
 constexpr const char* log_path = "/tmp/zarvoca.log";
 constexpr const char* older_suffix = ".old";
 
+// The process that opened the log. A launch's child writes its lines through the same
+// file before it execs; were it to move the log aside as well, two processes would
+// move and empty each other's files.
+pid_t log_owner = 0;
+
 std::string log_file_path() { return root_path(log_path); }
 
 // /tmp is shared: a link planted under the log's name is never followed, and only a
@@ -63,11 +68,18 @@ void start_afresh()
     }
 }
 
+bool full(FILE* file)
+{
+    struct stat now {};
+    return fstat(fileno(file), &now) == 0 && now.st_size >= log_size_limit;
+}
+
 }  // namespace
 
 bool log_open()
 {
     logfile = open_log_file(log_file_path());
+    log_owner = getpid();
     if (!logfile) {
         std::fprintf(stderr, "Running without a log: %s is not a file of this user that can be opened.\n",
                      log_file_path().c_str());
@@ -85,7 +97,12 @@ void log_printf(const char* format, ...)
     std::vfprintf(logfile, format, args);
     va_end(args);
     std::fflush(logfile);
-    if (std::ftell(logfile) >= log_size_limit)
+    log_keep_bounded();
+}
+
+void log_keep_bounded()
+{
+    if (logfile && getpid() == log_owner && full(logfile))
         start_afresh();
 }
 

@@ -13,4 +13,8 @@ extern FILE* logfile;  // open from start-up until exit; null when it could not 
 // another user's file): the program then runs without a log.
 bool log_open();
 void log_printf(const char* format, ...) __attribute__((format(printf, 1, 2)));
+// Moves the log aside when it has passed log_size_limit. Only the process that opened the
+// log does so (log_printf in a child that has not yet exec'd leaves it), so a launch calls
+// it before each fork as well.
+void log_keep_bounded();
 void log_close();

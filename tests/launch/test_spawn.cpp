@@ -8,6 +8,7 @@
 #include "store/password.h"
 
 #include <fcntl.h>
+#include <filesystem>
 #include <functional>
 
 namespace {
@@ -167,6 +168,16 @@ TEST_F(spawn_test, session_programs_inherit_only_what_is_not_close_on_exec)
     const std::string fds = read_file_text(root / "fds");
     EXPECT_NE(fds.find(root / "leak"), std::string::npos) << fds;
     EXPECT_EQ(fds.find("zarvoca.log"), std::string::npos) << fds;
+}
+
+// A storm of restarts may be all that writes to the log, through the children, which
+// leave moving it aside to this process.
+TEST_F(spawn_test, a_full_log_moves_aside_before_a_launch)
+{
+    ASSERT_EQ(truncate((root / "tmp/zarvoca.log").c_str(), 1024 * 1024), 0);
+    GtkTreeIter iter = add_connection(make_record("Intranet", "Web", {{MC_SERVER, "intra"}}));
+    EXPECT_EQ(launch_and_wait(&iter), 0);
+    EXPECT_EQ(std::filesystem::file_size(root / "tmp/zarvoca.log.old"), 1024u * 1024u);
 }
 
 // The program's own handler only writes to a pipe its main loop reads; a child that ran it
