@@ -3,7 +3,7 @@
 #include "platform/file.h"
 #include "platform/line_reader.h"
 #include "platform/paths.h"
-#include "shell/help_text.h"
+#include "platform/text.h"
 #include "ui/widgets.h"
 
 #include <cstdio>
@@ -41,7 +41,7 @@ GtkWidget* help_text_view(FILE* file)
             line += reader.c_str();
         if (!line.empty() && (!more || line.back() == '\n')) {
             gtk_text_buffer_get_end_iter(buffer, &end);
-            gtk_text_buffer_insert(buffer, &end, displayable_help_line(line).c_str(), -1);
+            gtk_text_buffer_insert(buffer, &end, shown_text(line).c_str(), -1);
             line.clear();
         }
     }

@@ -1,6 +1,6 @@
+#include "platform/text.h"
 #include "platform/tmp_files.h"
 #include "shell/globals.h"
-#include "shell/help_text.h"
 #include "shell/options.h"
 #include "store/ica_paths.h"
 #include "store/models.h"
@@ -60,7 +60,8 @@ TEST(hostile_options, appended_keys_start_a_line_of_their_own)
     }
 }
 
-TEST(hostile_help, lines_that_are_not_utf8_are_read_as_latin1)
+// What windows show of a file: valid UTF-8 as it is, anything else whole as Latin-1.
+TEST(hostile_text, texts_that_are_not_utf8_are_read_as_latin1)
 {
     const std::pair<std::string, std::string> rows[] = {
         {"Caf\xc3\xa9 \xe2\x82\xac\n", "Caf\xc3\xa9 \xe2\x82\xac\n"},
@@ -70,7 +71,7 @@ TEST(hostile_help, lines_that_are_not_utf8_are_read_as_latin1)
         {"", ""},
     };
     for (const auto& [line, shown] : rows)
-        EXPECT_EQ(displayable_help_line(line), shown) << line;
+        EXPECT_EQ(shown_text(line), shown) << line;
 }
 
 // A master file cut short by an earlier failure never replaces a backup that holds a

@@ -1,7 +1,6 @@
 #include "platform/log.h"
 #include "platform/message.h"
 #include "platform/paths.h"
-#include "platform/text.h"
 #include "platform/users.h"
 
 #include "support/test_support.h"
@@ -20,18 +19,6 @@ TEST(root_prefix, moves_every_path_but_devices)
     }
     scoped_root empty("");
     EXPECT_EQ(root_path("/tmp/zarvoca.log"), "/tmp/zarvoca.log");
-}
-
-// Valid UTF-8 shows as it is; anything else shows whole as Latin-1, a cut sequence too.
-TEST(shown_text, reads_what_is_not_utf8_as_latin1)
-{
-    const std::pair<const char*, const char*> table[] = {
-        {"Caf\xc3\xa9 \xe2\x82\xac", "Caf\xc3\xa9 \xe2\x82\xac"},
-        {"Z\xfcrich \xff", "Z\xc3\xbcrich \xc3\xbf"},
-        {"\xe2\x82\xac\xc3", "\xc3\xa2\xc2\x82\xc2\xac\xc3\x83"},
-    };
-    for (const auto& [bytes, shown] : table)
-        EXPECT_EQ(shown_text(bytes), shown) << bytes;
 }
 
 using platform_test = rooted_test;
