@@ -111,8 +111,10 @@ void set_entry_bytes(GtkWidget* entry, const std::string& bytes)
 {
     held_text& h = held(entry);
     h.loaded = bytes;
-    h.shown = shown_text(bytes);
-    gtk_entry_set_text(GTK_ENTRY(entry), h.shown.c_str());
+    gtk_entry_set_text(GTK_ENTRY(entry), shown_text(bytes).c_str());
+    // As the entry holds it: a text longer than the entry takes is cut, and left
+    // untouched it still saves whole.
+    h.shown = gtk_entry_get_text(GTK_ENTRY(entry));
 }
 
 std::string entry_bytes(GtkWidget* entry)
