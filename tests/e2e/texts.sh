@@ -1,6 +1,7 @@
 # Texts in the files that are not UTF-8 (Latin-1 from older tools, and bytes that are
-# neither), with the accessibility modules loaded as a screen reader would have them:
-# the rows show, their editors open and an unchanged Save writes the very same bytes.
+# neither), with the accessibility modules loaded and a client reading every text as a
+# screen reader does: the rows show, their editors open and an unchanged Save writes the
+# very same bytes.
 source "$(dirname "$0")/lib.sh"
 
 # The ATK bridge finds the accessibility bus through the private session bus this test
@@ -29,6 +30,8 @@ for step in "Down Up|rdesktop connection" "Down|XDM connection"; do
   editor=$(window_named "${step#*|}")
   [ -n "$editor" ] || { fail "the ${step#*|} window did not open"; continue; }
   [ -z "${SCREENSHOTS:-}" ] || import -window "$editor" "$SCREENSHOTS/texts_${step#*|}.png"
+  # The system's Python, which has the AT-SPI bindings.
+  timeout 20 /usr/bin/python3 "$(dirname "$0")/read_accessibles.py" kestrelle || fail "no accessible ${step#*|}"
   press "$editor" alt+s
   wait_for 5 bash -c "! xdotool search --onlyvisible --name '^${step#*|}\$'" || fail "${step#*|} did not close"
 done
