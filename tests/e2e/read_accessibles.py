@@ -1,22 +1,17 @@
-"""Reads the name, and the text where there is one, of every accessible of the program
-named on the command line, as a screen reader does. Fails when the program is not found."""
+# Reads the name and any text of every accessible of the program named in argv[1], as a
+# screen reader does; fails when no such program is on the accessibility bus.
 import sys
-
 import gi
-
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi
 
 
 def read(node):
     node.get_name()
-    text = node.get_text_iface()
-    if text is not None:
+    if (text := node.get_text_iface()) is not None:
         Atspi.Text.get_text(text, 0, Atspi.Text.get_character_count(text))
-    for i in range(node.get_child_count()):
-        child = node.get_child_at_index(i)
-        if child is not None:
-            read(child)
+    for child in filter(None, map(node.get_child_at_index, range(node.get_child_count()))):
+        read(child)
 
 
 desktop = Atspi.get_desktop(0)
