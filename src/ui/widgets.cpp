@@ -2,6 +2,7 @@
 
 #include "platform/text.h"
 
+#include <set>
 #include <unordered_map>
 
 namespace {
@@ -47,6 +48,16 @@ held_text& held(GtkWidget* entry)
                                [](gpointer p) { delete static_cast<held_text*>(p); });
     }
     return *h;
+}
+
+// The choice as a combo shows it; one that shows otherwise than a file holds it is
+// remembered, so that choosing it reads back its bytes.
+std::string shown_choice(GtkWidget* combo, const std::string& choice)
+{
+    std::string shown = shown_text(choice);
+    if (shown != choice)
+        held(GTK_WIDGET(combo_entry(combo))).raw_of_shown.emplace(shown, choice);
+    return shown;
 }
 
 void shown_cell_cb(GtkTreeViewColumn*, GtkCellRenderer* renderer, GtkTreeModel* model,
@@ -131,12 +142,8 @@ std::string entry_bytes(GtkWidget* entry)
 
 void append_choices(GtkWidget* combo, const std::vector<std::string>& choices)
 {
-    for (const std::string& choice : choices) {
-        const std::string shown = shown_text(choice);
-        if (shown != choice)
-            held(GTK_WIDGET(combo_entry(combo))).raw_of_shown.emplace(shown, choice);
-        gtk_combo_box_text_append_text(GTK_COMBO_BOX_TEXT(combo), shown.c_str());
-    }
+    for (const std::string& choice : choices)
+        gtk_combo_box_text_append_text(GTK_COMBO_BOX_TEXT(combo), shown_choice(combo, choice).c_str());
 }
 
 void show_model_text(GtkTreeViewColumn* view_column, GtkCellRenderer* renderer, int column)
@@ -156,10 +163,14 @@ GtkTreeViewColumn* text_view_column(const char* title, int column)
 GtkWidget* long_choice_combo(const char* name)
 {
     // A drop-down menu makes an item for every choice, which takes seconds for a long
-    // list; a list view only draws the rows in sight.
-    const std::string style = std::string("style \"kestrelle-long-list\" { GtkComboBox::appears-as-list = 1 }\n"
-                                          "widget \"*.") + name + "\" style \"kestrelle-long-list\"\n";
-    gtk_rc_parse_string(style.c_str());
+    // list; a list view only draws the rows in sight. That is a resource setting, which
+    // GTK keeps for the whole run: it is given once per name.
+    static std::set<std::string> styled;
+    if (styled.insert(name).second) {
+        const std::string style = std::string("style \"kestrelle-long-list\" { GtkComboBox::appears-as-list = 1 }\n"
+                                              "widget \"*.") + name + "\" style \"kestrelle-long-list\"\n";
+        gtk_rc_parse_string(style.c_str());
+    }
     GtkWidget* combo = gtk_combo_box_text_new_with_entry();
     gtk_widget_set_name(combo, name);
     GtkEntryCompletion* completion = gtk_entry_completion_new();
@@ -177,12 +188,8 @@ void replace_choices(GtkWidget* combo, const std::vector<std::string>& choices)
     const std::string typed = combo_text(combo);
     held(GTK_WIDGET(entry)).raw_of_shown.clear();
     GtkListStore* store = gtk_list_store_new(1, G_TYPE_STRING);
-    for (const std::string& choice : choices) {
-        const std::string shown = shown_text(choice);
-        if (shown != choice)
-            held(GTK_WIDGET(entry)).raw_of_shown.emplace(shown, choice);
-        gtk_list_store_insert_with_values(store, nullptr, -1, 0, shown.c_str(), -1);
-    }
+    for (const std::string& choice : choices)
+        gtk_list_store_insert_with_values(store, nullptr, -1, 0, shown_choice(combo, choice).c_str(), -1);
     gtk_combo_box_set_model(GTK_COMBO_BOX(combo), GTK_TREE_MODEL(store));
     gtk_entry_completion_set_model(gtk_entry_get_completion(entry), GTK_TREE_MODEL(store));
     g_object_unref(store);
