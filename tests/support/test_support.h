@@ -17,6 +17,7 @@
 #include <numeric>
 #include <string>
 #include <sys/stat.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
@@ -45,6 +46,16 @@ public:
 private:
     std::string old_;
     bool had_old_;
+};
+
+// While it lives, writes to regular files fail past a few bytes, as on a full disk.
+class full_disk {
+public:
+    full_disk();
+    ~full_disk();
+
+private:
+    struct rlimit old_;
 };
 
 void write_file(const std::string& path, const std::string& contents);
