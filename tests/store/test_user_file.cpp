@@ -106,16 +106,19 @@ TEST_F(user_file_test, a_copied_tree_is_the_tree_its_file_loads_to)
 }
 
 // Whatever a user puts at the file's name in a home, root never writes through it nor
-// into it; a file made new belongs to the user.
+// into it, and loading it neither blocks nor reads through a link; a file made new
+// belongs to the user.
 TEST_F(user_file_test, saves_refuse_what_is_not_the_users_file_and_report_failures)
 {
     const std::string file = root / "home/ann/kestrel.inf", target = root / "target";
+    const std::string target_text = "Version 1.000\nTRUE\nMail\nRDP\nFALSE\nFALSE\nFALSE\n";
     const std::string not_opened = "\nCouldn't open user connection tree for writing.\n";
     const struct {
         const char* what;
         std::function<void()> plant;
         std::string message;
         const char* user = "ann";
+        int rows_loaded = 0;
     } rows[] = {
         {"a user not in the database", [] {}, not_opened, "nobody"},
         {"no home folder", [&] { std::filesystem::remove_all(root / "home/ann"); }, not_opened},
@@ -123,7 +126,7 @@ TEST_F(user_file_test, saves_refuse_what_is_not_the_users_file_and_report_failur
         {"a link to a device", [&] { symlink("/dev/zero", file.c_str()); }, not_opened},
         {"a FIFO", [&] { mkfifo(file.c_str(), 0644); }, not_opened},
         {"a folder", [&] { make_dirs(file); }, not_opened},
-        {"a second name of another file", [&] { link(target.c_str(), file.c_str()); }, not_opened},
+        {"a second name of another file", [&] { link(target.c_str(), file.c_str()); }, not_opened, "ann", 1},
         {"another user's file", [&] { write_file(file, "theirs\n"); chown(file.c_str(), 4242, 4242); }, not_opened},
         {"a full disk", [] {}, "\nError writing user connection tree.\n"},
         {"nothing there", [] {}, ""},
@@ -133,8 +136,12 @@ TEST_F(user_file_test, saves_refuse_what_is_not_the_users_file_and_report_failur
     for (const auto& row : rows) {
         std::filesystem::remove_all(root / "home/ann");
         make_dirs(root / "home/ann");
-        write_file(target, "kept\n");
+        write_file(target, target_text);
         row.plant();
+        GtkTreeStore* loaded = create_user_tree_store();
+        make_connection_tree(loaded, file.c_str(), 6);
+        EXPECT_EQ(gtk_tree_model_iter_n_children(GTK_TREE_MODEL(loaded), nullptr), row.rows_loaded) << row.what;
+        g_object_unref(loaded);
         messages.shown.clear();
         {
             std::optional<full_disk> full;
@@ -144,7 +151,7 @@ TEST_F(user_file_test, saves_refuse_what_is_not_the_users_file_and_report_failur
         }
         EXPECT_EQ(messages.shown, (row.message.empty() ? std::vector<std::string>{} : std::vector{row.message}))
             << row.what;
-        EXPECT_EQ(read_file_text(target), "kept\n") << row.what;
+        EXPECT_EQ(read_file_text(target), target_text) << row.what;
     }
     EXPECT_EQ(read_file_text(file), "Version 1.000\nTRUE\nDesk\nRDP\nFALSE\nFALSE\nFALSE\n");
     struct stat st;
