@@ -3,6 +3,7 @@
 #include "platform/log.h"
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -17,14 +18,21 @@ std::string temporary_name(const std::string& name) { return "." + name + ".new"
 
 }  // namespace
 
+// A link that the administrator put in the program's own folders is followed, so that
+// the file it names is the one replaced (beside itself) and the link stays.
 file_replacement::file_replacement(const std::string& path)
 {
-    const size_t slash = path.rfind('/');
-    const std::string dir = slash == std::string::npos ? "." : slash == 0 ? "/" : path.substr(0, slash);
+    std::string target = path;
+    if (char* real = realpath(path.c_str(), nullptr)) {
+        target = real;
+        std::free(real);
+    }
+    const size_t slash = target.rfind('/');
+    const std::string dir = slash == std::string::npos ? "." : slash == 0 ? "/" : target.substr(0, slash);
     dir_fd_ = open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     own_dir_ = true;
     if (dir_fd_ >= 0)
-        start(slash == std::string::npos ? path : path.substr(slash + 1));
+        start(slash == std::string::npos ? target : target.substr(slash + 1));
 }
 
 file_replacement::file_replacement(int dir_fd, const std::string& name, std::optional<file_owner> new_owner)
@@ -46,8 +54,9 @@ void file_replacement::start(const std::string& name)
     temp_name_ = temporary_name(name);
     struct stat old;
     const bool exists = fstatat(dir_fd_, name.c_str(), &old, AT_SYMLINK_NOFOLLOW) == 0;
-    // A folder in the file's place cannot be written, as it could not be opened.
-    if (exists && S_ISDIR(old.st_mode))
+    // Only a regular file is replaced: a folder, device or FIFO in its place counts as
+    // a file that cannot be opened.
+    if (exists && !S_ISREG(old.st_mode))
         return;
     // A link or FIFO at the temporary name is removed, never followed.
     unlinkat(dir_fd_, temp_name_.c_str(), 0);
@@ -55,7 +64,7 @@ void file_replacement::start(const std::string& name)
     if (fd < 0)
         return;
     // The new content is never readable by more people than the old file allowed.
-    if (exists && S_ISREG(old.st_mode)) {
+    if (exists) {
         (void)!fchmod(fd, old.st_mode & 07777);
         owner_ = file_owner{old.st_uid, old.st_gid};
     }

@@ -15,11 +15,13 @@ struct file_owner {
 
 class file_replacement {
 public:
-    // Starts replacing path. A directory at path counts as a file that cannot be opened.
+    // Starts replacing path, or the file a link at path names. Anything but a regular
+    // file there (a folder, a device, a FIFO) counts as a file that cannot be opened.
     explicit file_replacement(const std::string& path);
     // Starts replacing name inside the folder dir_fd (kept open by the caller), so that
-    // nothing on the way to the folder can change while the file is replaced. A file
-    // made new there gets new_owner (when given; else the running user's).
+    // nothing on the way to the folder can change while the file is replaced; a link at
+    // name is not followed and counts as a file that cannot be opened. A file made new
+    // there gets new_owner (when given; else the running user's).
     file_replacement(int dir_fd, const std::string& name, std::optional<file_owner> new_owner = {});
     ~file_replacement();
     file_replacement(const file_replacement&) = delete;
