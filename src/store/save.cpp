@@ -10,6 +10,7 @@
 
 #include <cstdio>
 #include <string>
+#include <unistd.h>
 
 namespace {
 
@@ -66,6 +67,22 @@ bool back_up_master(const save_paths& paths)
     return true;
 }
 
+// A walk stopped by an appsrv.ini error leaves the master file short of the rows after
+// it. The master list must never lose a connection for appsrv.ini's sake, so it is
+// written again from the start, with the ICA sections going nowhere. False when it
+// cannot be.
+bool write_master_again(FILE* master, GtkTreeModel* list, const master_settings& settings)
+{
+    unique_file nowhere = open_file("/dev/null", "we");
+    if (!nowhere || std::fflush(master) != 0 || ftruncate(fileno(master), 0) != 0)
+        return false;
+    std::rewind(master);
+    write_master_header(master, settings);
+    master_save_files files{master, nowhere.get()};
+    gtk_tree_model_foreach(list, file_master_connection, &files);
+    return true;
+}
+
 }  // namespace
 
 // The old master file stays in place until the new one is whole on disk: a kill at any
@@ -91,6 +108,9 @@ void save_master_connections(GtkTreeModel* list, const master_settings& settings
     write_appsrv_header(appsrv.stream(), list);
     master_save_files files{master.stream(), appsrv.stream()};
     gtk_tree_model_foreach(list, file_master_connection, &files);
+    if (std::ferror(appsrv.stream()) && !std::ferror(master.stream()) &&
+        !write_master_again(master.stream(), list, settings))
+        master.discard();
 
     if (!master.commit()) {
         // appsrv.ini goes on describing the list that stays on disk.

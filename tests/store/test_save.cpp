@@ -70,4 +70,27 @@ TEST_F(save_test, failures_restore_the_backup_where_they_can)
                   "\nError opening master connection list for writing.\n"}));
 }
 
+// appsrv.ini outgrows the room before the master file does: its error stops the walk,
+// and the master file must still get every connection.
+TEST_F(save_test, an_appsrv_write_error_keeps_the_whole_new_master_file)
+{
+    for (int i = 0; i < 40; ++i) {
+        connection_record record;
+        record.col = {"Desk" + std::to_string(i), "ICA", "", "", "1", "citrix.example", "Default", "Default"};
+        record[MC_RDP_FLAGS] = record[MC_ICA_MASK] = "0";
+        insert_master_row(master_connection_list, -1, record);
+    }
+    save_master_connections(GTK_TREE_MODEL(master_connection_list), current_master_settings());
+    const std::string whole = master_text(), appsrv = read_file_text(root / "etc/.kestrel/appsrv.ini");
+    ASSERT_LT(whole.size() + 1024, appsrv.size());
+    {
+        full_disk full(whole.size() + 512);
+        save_master_connections(GTK_TREE_MODEL(master_connection_list), current_master_settings());
+    }
+    EXPECT_EQ(messages.shown, std::vector<std::string>{
+                                  "\nError writing appsrv.ini.\n\nYou may be able to free some disk space and try again.\n"});
+    EXPECT_EQ(master_text(), whole);
+    EXPECT_EQ(read_file_text(root / "etc/.kestrel/appsrv.ini"), appsrv);
+}
+
 }  // namespace

@@ -9,12 +9,12 @@
 #include <sstream>
 #include <stdexcept>
 
-full_disk::full_disk()
+full_disk::full_disk(rlim_t room)
 {
     signal(SIGXFSZ, SIG_IGN);  // the write fails with EFBIG instead of killing the test
     getrlimit(RLIMIT_FSIZE, &old_);
     struct rlimit small = old_;
-    small.rlim_cur = 8;
+    small.rlim_cur = room;
     setrlimit(RLIMIT_FSIZE, &small);
 }
 

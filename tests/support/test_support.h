@@ -48,10 +48,10 @@ private:
     bool had_old_;
 };
 
-// While it lives, writes to regular files fail past a few bytes, as on a full disk.
+// While it lives, writes to regular files fail past room bytes, as on a full disk.
 class full_disk {
 public:
-    full_disk();
+    explicit full_disk(rlim_t room = 8);
     ~full_disk();
 
 private:
