@@ -22,6 +22,11 @@ constexpr int accounts = 200;
 constexpr int assigned = 20;
 constexpr int runs = 30;
 
+void save_master_list()
+{
+    save_master_connections(GTK_TREE_MODEL(master_connection_list), current_master_settings());
+}
+
 void write(const std::string& path, const std::string& text)
 {
     g_file_set_contents(path.c_str(), text.c_str(), static_cast<gssize>(text.size()), nullptr);
@@ -54,7 +59,7 @@ void make_connections(const std::string& root)
         if (i < assigned)
             tree += "TRUE\n" + record[MC_NAME] + "\n" + record[MC_TYPE] + "\nFALSE\nFALSE\nFALSE\n";
     }
-    save_master_connections();
+    save_master_list();
     write(root + "/home/user0/kestrel.inf", tree);
     current_user_filename = root + "/home/user0/kestrel.inf";
 }
@@ -107,7 +112,7 @@ int main(int argc, char** argv)
         opening.push_back(open_advanced());
         saving.push_back(save_web_editor());
         cancelling.push_back(cancel_advanced());
-        writing.push_back(gui_timing::timed(save_master_connections));
+        writing.push_back(gui_timing::timed(save_master_list));
         reloading.push_back(gui_timing::timed(cancel_advanced_cb));
     }
     std::printf("%d connections, %d accounts:\n", connections, accounts);

@@ -79,7 +79,7 @@ void save_master(benchmark::State& state)
     bench_root root(state.range(0));
     load(root.path);
     for (auto _ : state)
-        save_master_connections();
+        save_master_connections(GTK_TREE_MODEL(master_connection_list), current_master_settings());
     unload();
 }
 

@@ -212,7 +212,7 @@ GtkWidget* interface_settings()
 
 void save_user_cb(GtkWidget*, gpointer chooser)
 {
-    save_user_connections(nullptr, combo_text(GTK_WIDGET(chooser)).c_str());
+    save_user_connections(GTK_TREE_MODEL(selected_user_connection_tree), combo_text(GTK_WIDGET(chooser)));
 }
 
 void ok_cb(GtkWidget* button, gpointer parts)
@@ -512,7 +512,7 @@ void ui_tb_cb(GtkToggleButton* check_box, gpointer preview)
     show_preview(preview);
     // The new picture is drawn before the save, which may take a moment.
     gtk_main_iteration_do(FALSE);
-    save_master_connections();
+    save_master_connections(GTK_TREE_MODEL(master_connection_list), current_master_settings());
 }
 
 void taskbar_tb_cb(GtkToggleButton* check_box, gpointer preview)

@@ -29,7 +29,7 @@ bool flip_ping_first(GtkTreeModel* model, const gchar* path_text)
         return false;
     const bool on = !model_flag(model, &iter, MC_PING);
     gtk_list_store_set(GTK_LIST_STORE(model), &iter, MC_PING, on, -1);
-    save_master_connections();
+    save_master_connections(GTK_TREE_MODEL(master_connection_list), current_master_settings());
     return on;
 }
 
@@ -48,7 +48,7 @@ void smart_ping_save_cb(GtkWidget*, ping_state* state)
     if (gtk_tree_model_get_iter_from_string(state->model, &iter, state->path.c_str())) {
         const std::string port = entry_bytes(state->port);
         gtk_list_store_set(GTK_LIST_STORE(state->model), &iter, MC_PING_PORT, port.c_str(), -1);
-        save_master_connections();
+        save_master_connections(GTK_TREE_MODEL(master_connection_list), current_master_settings());
     }
     gtk_widget_destroy(state->window);
 }

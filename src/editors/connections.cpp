@@ -204,7 +204,7 @@ void delete_connection_cb(GtkWidget*, gpointer master_selection)
     if (!gtk_tree_selection_get_selected(GTK_TREE_SELECTION(master_selection), &model, &iter))
         return;
     gtk_list_store_remove(GTK_LIST_STORE(model), &iter);
-    save_master_connections();
+    save_master_connections(GTK_TREE_MODEL(master_connection_list), current_master_settings());
     reload_tree(current_user_connection_tree);
 }
 
@@ -260,7 +260,7 @@ void wizard_delete_connection(GtkWidget*, gpointer tree_selection)
     gtk_tree_model_foreach(GTK_TREE_MODEL(master_connection_list), wizard_delete_foreach, &key);
     if (!key.found)
         return;
-    save_master_connections();
+    save_master_connections(GTK_TREE_MODEL(master_connection_list), current_master_settings());
     reload_tree(selected_user_connection_tree);
     reload_tree(current_user_connection_tree);
 }

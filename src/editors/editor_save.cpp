@@ -69,7 +69,7 @@ void offer_to_selected_user(const std::string& name, const char* type)
 {
     locate_key key{name.c_str(), type, {}, FALSE};
     if (save_if_unique_connection(selected_user_connection_tree, &key))
-        save_user_connections(nullptr, selected_user_name.c_str());
+        save_user_connections(GTK_TREE_MODEL(selected_user_connection_tree), selected_user_name);
 }
 
 }  // namespace
@@ -150,7 +150,7 @@ bool finish_editor_save(editor* e, const connection_record& values)
         store_new(*e->kind, name, values);
     else
         store_edited(e->path, values);
-    save_master_connections();
+    save_master_connections(GTK_TREE_MODEL(master_connection_list), current_master_settings());
     if (is_new)
         offer_to_selected_user(name, e->kind->type);
     gtk_widget_destroy(e->window);

@@ -1,6 +1,7 @@
 #pragma once
-// Files in /tmp, where another local user may have planted a link or a file of their
-// own under a name this program uses. Nothing here follows a link.
+// Files in /tmp or in a user's home, where another local user may have planted a link,
+// a FIFO or a file of their own under a name this program uses. Nothing here follows a
+// link.
 #include "platform/file.h"
 
 #include <string>
@@ -25,3 +26,8 @@ bool make_directory_private(const std::string& path);
 // True when the open descriptor is a regular file with one link, owned by the running
 // user: only such a file may have its mode changed.
 bool is_own_single_file(int fd);
+
+// Opens path for reading only when it is a regular file and not a link: a FIFO or a
+// device planted there is refused at once instead of blocking the program. Null
+// otherwise.
+unique_file open_regular_file(const std::string& path);

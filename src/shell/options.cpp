@@ -2,10 +2,12 @@
 
 #include "platform/file.h"
 #include "platform/line_reader.h"
+#include "platform/log.h"
 #include "platform/message.h"
 #include "platform/paths.h"
 #include "platform/shell_command.h"
 #include "platform/tmp_files.h"
+#include "platform/whole_file.h"
 #include "shell/globals.h"
 #include "store/models.h"
 #include "store/options_text.h"
@@ -15,7 +17,6 @@
 #include <cstdio>
 #include <cstring>
 #include <sys/stat.h>
-#include <sys/statvfs.h>
 #include <unistd.h>
 
 namespace {
@@ -118,42 +119,21 @@ bool close_cleanly(unique_file out)
     return !failed;
 }
 
-// Moving the copy onto another file system writes it anew there; a move that runs out
-// of space half-way would leave the options file cut short. So the move is made only
-// when the target's file system has room for the whole copy, counting the space the
-// old file gives back as it is replaced.
-bool target_has_room(const std::string& temp_path, const std::string& target)
-{
-    struct stat temp;
-    struct stat target_dir;
-    const std::string dir = target.substr(0, target.rfind('/') + 1);
-    if (stat(temp_path.c_str(), &temp) != 0 || stat(dir.c_str(), &target_dir) != 0)
-        return false;
-    if (temp.st_dev == target_dir.st_dev)
-        return true;  // a rename needs no space
-    struct statvfs fs;
-    if (statvfs(dir.c_str(), &fs) != 0 || fs.f_frsize == 0)
-        return false;
-    const bool privileged = geteuid() == 0;  // may use the blocks kept for root
-    unsigned long long room = (privileged ? fs.f_bfree : fs.f_bavail) * fs.f_frsize;
-    struct stat old;
-    if (lstat(target.c_str(), &old) == 0 && S_ISREG(old.st_mode) && old.st_nlink == 1)
-        room += static_cast<unsigned long long>(old.st_blocks) * 512;
-    const unsigned long long blocks = (static_cast<unsigned long long>(temp.st_size) + fs.f_frsize - 1) / fs.f_frsize;
-    const bool inode_free = fs.f_files == 0 || (privileged ? fs.f_ffree : fs.f_favail) > 0;
-    return room >= blocks * fs.f_frsize && inode_free;
-}
-
+// The copy in /tmp may lie on another file system than the options file, where a move
+// would write it anew and could be cut short by a full disk. It is therefore put in
+// place whole, beside the options file, and only then taken away as the move would.
 void replace_options_file(const std::string& temp_path)
 {
     if (!is_regular_file(temp_path)) {
         show_error(temp_gone_message);
         return;
     }
-    const std::string target = root_path(options_file);
-    const std::string command = "mv -f " + shell_quote(temp_path) + " " + shell_quote(target) + " > /dev/null";
-    if (!target_has_room(temp_path, target) || run_shell_command(command) != 0)
+    std::string text;
+    if (!read_whole_file(temp_path, &text) || !replace_file(root_path(options_file), text)) {
         show_error(move_error_message);
+        return;
+    }
+    unlink(temp_path.c_str());
 }
 
 }  // namespace
@@ -206,6 +186,7 @@ void set_icewm_taskbar(int show)
     if (fresh < 0)
         return;
     close(fresh);
-    if (run_shell_command(edit) == 0)
-        run_shell_command("cp " + shell_quote(temp_path) + " " + shell_quote(preferences));
+    std::string text;
+    if (run_shell_command(edit) == 0 && read_whole_file(temp_path, &text) && !replace_file(preferences, text))
+        log_printf("Could not replace %s\n", preferences.c_str());
 }

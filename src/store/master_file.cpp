@@ -265,12 +265,14 @@ int master_insert_position(GtkTreeModel* list, const std::string& name)
     return -1;
 }
 
-void write_master_header(FILE* file)
+master_settings current_master_settings() { return {show_gui, show_taskbar, kiosk_mode}; }
+
+void write_master_header(FILE* file, const master_settings& settings)
 {
     std::fputs(version_line, file);
-    std::fputs(show_gui ? "Show GUI\n" : "Don't show GUI\n", file);
-    std::fputs(show_taskbar ? "Show taskbar\n" : "Don't show taskbar\n", file);
-    std::fputs(kiosk_mode ? "Kiosk\n" : "Not kiosk\n", file);
+    std::fputs(settings.show_gui ? "Show GUI\n" : "Don't show GUI\n", file);
+    std::fputs(settings.show_taskbar ? "Show taskbar\n" : "Don't show taskbar\n", file);
+    std::fputs(settings.kiosk_mode ? "Kiosk\n" : "Not kiosk\n", file);
 }
 
 gboolean file_master_connection(GtkTreeModel* model, GtkTreePath*, GtkTreeIter* iter,

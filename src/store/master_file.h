@@ -67,4 +67,12 @@ struct master_save_files {
 // a stream error.
 gboolean file_master_connection(GtkTreeModel* model, GtkTreePath* path, GtkTreeIter* iter,
                                 gpointer files);
-void write_master_header(FILE* file);
+// The three settings the header carries.
+struct master_settings {
+    int show_gui;
+    int show_taskbar;
+    int kiosk_mode;
+};
+// The settings the program runs with now (the globals of the models).
+master_settings current_master_settings();
+void write_master_header(FILE* file, const master_settings& settings);

@@ -3,14 +3,12 @@
 #include "platform/file.h"
 #include "platform/message.h"
 #include "platform/paths.h"
-#include "platform/shell_command.h"
+#include "platform/whole_file.h"
 #include "store/appsrv.h"
 #include "store/ica_paths.h"
 #include "store/master_file.h"
-#include "store/models.h"
 
 #include <cstdio>
-#include <stdio_ext.h>
 #include <string>
 #include <unistd.h>
 
@@ -24,15 +22,19 @@ struct save_paths {
     std::string appsrv = ica_dir + "/appsrv.ini";
 };
 
-// Puts the backup back in place of the master file and tells the user, starting from
-// the base message of what went wrong.
+// Makes the master file on disk hold the backup's list again and tells the user,
+// starting from the base message of what went wrong. The master file is only ever
+// replaced whole, so after a failed write it normally still is the list the backup
+// was copied from; it is rewritten only when it is not (a save that began without a
+// master file, or with one cut short by an older program).
 void restore_backup(const save_paths& paths, std::string message)
 {
     if (path_exists(paths.backup)) {
-        int status = run_shell_command("mv -f " + shell_quote(paths.backup) + " " +
-                                       shell_quote(paths.master) + " > /dev/null");
-        message += status != 0 ? "\nBackup file could not be restored.\n"
-                               : "\nBackup file has been restored.\n";
+        std::string backup, master;
+        const bool restored = read_whole_file(paths.backup, &backup) &&
+                              ((read_whole_file(paths.master, &master) && master == backup) ||
+                               replace_file(paths.master, backup));
+        message += restored ? "\nBackup file has been restored.\n" : "\nBackup file could not be restored.\n";
     }
     show_error(message);
 }
@@ -53,56 +55,69 @@ bool back_up_master(const save_paths& paths)
 {
     if (!path_exists(paths.master))
         return true;
-    // A master file cut short by an earlier failure must not replace a backup that still
-    // holds a list: the backup is then kept as it is and the save goes on.
-    if (!holds_a_header(paths.master) && holds_a_header(paths.backup)) {
-        unlink(paths.master.c_str());
+    // A master file cut short (by an older program) must not replace a backup that
+    // still holds a list: the backup is then kept as it is and the save goes on.
+    if (!holds_a_header(paths.master) && holds_a_header(paths.backup))
         return true;
-    }
-    if (run_shell_command("cp " + shell_quote(paths.master) + " " + shell_quote(paths.backup) + " > /dev/null") != 0) {
+    std::string text;
+    if (!read_whole_file(paths.master, &text) || !replace_file(paths.backup, text)) {
         show_error("\nError backing up master connection list.\n\nChanges have not been saved.\n");
         return false;
     }
-    unlink(paths.master.c_str());
+    return true;
+}
+
+// A walk stopped by an appsrv.ini error leaves the master file short of the rows after
+// it. The master list must never lose a connection for appsrv.ini's sake, so it is
+// written again from the start, with the ICA sections going nowhere. False when it
+// cannot be.
+bool write_master_again(FILE* master, GtkTreeModel* list, const master_settings& settings)
+{
+    unique_file nowhere = open_file("/dev/null", "we");
+    if (!nowhere || std::fflush(master) != 0 || ftruncate(fileno(master), 0) != 0)
+        return false;
+    std::rewind(master);
+    write_master_header(master, settings);
+    master_save_files files{master, nowhere.get()};
+    gtk_tree_model_foreach(list, file_master_connection, &files);
     return true;
 }
 
 }  // namespace
 
-void save_master_connections()
+// The old master file stays in place until the new one is whole on disk: a kill at any
+// instant leaves one of the two, and the backup is what a failed write is checked
+// against.
+void save_master_connections(GtkTreeModel* list, const master_settings& settings)
 {
     save_paths paths;
     if (!back_up_master(paths))
         return;
-    unique_file master = open_file(paths.master, "we");
-    if (!master) {
+    file_replacement master(paths.master);
+    if (!master.stream()) {
         restore_backup(paths, "\nError opening master connection list for writing.\n");
         return;
     }
-    unique_file appsrv = open_file(paths.appsrv, "we");
-    if (!appsrv) {
-        master.reset();
+    file_replacement appsrv(paths.appsrv);
+    if (!appsrv.stream()) {
+        master.discard();
         restore_backup(paths, "\nError opening appsrv.ini for writing.\n");
         return;
     }
-    GtkTreeModel* list = GTK_TREE_MODEL(master_connection_list);
-    write_master_header(master.get());
-    write_appsrv_header(appsrv.get(), list);
-    master_save_files files{master.get(), appsrv.get()};
+    write_master_header(master.stream(), settings);
+    write_appsrv_header(appsrv.stream(), list);
+    master_save_files files{master.stream(), appsrv.stream()};
     gtk_tree_model_foreach(list, file_master_connection, &files);
+    if (std::ferror(appsrv.stream()) && !std::ferror(master.stream()) &&
+        !write_master_again(master.stream(), list, settings))
+        master.discard();
 
-    std::fflush(master.get());
-    if (std::ferror(master.get())) {
-        // The backup goes back while the stream is still open. The unwritten rest is
-        // dropped and the new file emptied first: unlinked but open, it would otherwise
-        // keep the space the backup needs on a full file system.
-        __fpurge(master.get());
-        (void)!ftruncate(fileno(master.get()), 0);
+    if (!master.commit()) {
+        // appsrv.ini goes on describing the list that stays on disk.
+        appsrv.discard();
         restore_backup(paths, "\nError writing master connection list.\n");
+        return;
     }
-    master.reset();
-
-    std::fflush(appsrv.get());
-    if (std::ferror(appsrv.get()))
+    if (!appsrv.commit())
         show_error("\nError writing appsrv.ini.\n\nYou may be able to free some disk space and try again.\n");
 }

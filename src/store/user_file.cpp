@@ -1,13 +1,20 @@
 #include "store/user_file.h"
 
 #include "platform/file.h"
+#include "platform/log.h"
 #include "platform/line_reader.h"
 #include "platform/message.h"
+#include "platform/tmp_files.h"
 #include "platform/users.h"
+#include "platform/whole_file.h"
 #include "store/models.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -153,7 +160,7 @@ void make_connection_tree(GtkTreeStore* tree, const char* path, int lines_per_ro
             return known(row.name, row.type);
         return master_connection_list && find_master_row(master_connection_list, row.name, row.type, nullptr);
     };
-    unique_file file = open_file(path, "re");
+    unique_file file = open_regular_file(path);
     if (!file)
         return;
     line_reader reader(file.get(), long_line::skip_once);
@@ -225,24 +232,57 @@ gboolean file_user_connection(GtkTreeModel* model, GtkTreePath*, GtkTreeIter* it
     return std::ferror(file) ? TRUE : FALSE;
 }
 
-void save_user_connections(GtkWidget*, const char* user_name)
+namespace {
+
+constexpr const char* cannot_open_message = "\nCouldn't open user connection tree for writing.\n";
+
+// The user's home may hold anything the user put there. Only a regular file with one
+// name, of the user or made by root, is replaced: a link, FIFO, device or folder at
+// the tree's name is left alone.
+bool may_replace(int home, const char* name, const user_entry& user)
 {
-    std::optional<user_entry> user = user_by_name(user_name ? user_name : "");
-    unique_file file = user ? open_file(user->home + user_file_name, "we") : nullptr;
-    if (!file) {
-        show_error("\nCouldn't open user connection tree for writing.\n");
+    struct stat st;
+    if (fstatat(home, name, &st, AT_SYMLINK_NOFOLLOW) != 0)
+        return errno == ENOENT;
+    return S_ISREG(st.st_mode) && st.st_nlink == 1 && (st.st_uid == user.uid || st.st_uid == 0);
+}
+
+// Writes the tree into the open home; null when done, else the message to show after
+// logging why.
+const char* write_into_home(int home, const user_entry& user, GtkTreeModel* tree)
+{
+    const char* name = user_file_name + 1;
+    const std::string path = user.home + user_file_name;
+    if (!may_replace(home, name, user)) {
+        log_printf("Not writing %s: it is not a regular file of its user\n", path.c_str());
+        return cannot_open_message;
+    }
+    // A file made new belongs to the user, as one the user made would.
+    file_replacement file(home, name, file_owner{user.uid, user.gid});
+    if (!file.stream()) {
+        log_printf("Not writing %s: no new file can be made beside it\n", path.c_str());
+        return cannot_open_message;
+    }
+    std::fputs("Version 1.000\n", file.stream());
+    gtk_tree_model_foreach(tree, file_user_connection, file.stream());
+    return file.commit() ? nullptr : "\nError writing user connection tree.\n";
+}
+
+}  // namespace
+
+void save_user_connections(GtkTreeModel* tree, const std::string& user_name)
+{
+    std::optional<user_entry> user = user_by_name(user_name);
+    // The home is opened once and everything after works inside it, so that a link
+    // swapped in on the way cannot send the write elsewhere.
+    const int home = user ? open(user->home.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC) : -1;
+    const char* failure = home < 0 ? cannot_open_message : write_into_home(home, *user, tree);
+    if (home >= 0)
+        close(home);
+    if (failure) {
+        show_error(failure);
         return;
     }
-    std::fputs("Version 1.000\n", file.get());
-    gtk_tree_model_foreach(GTK_TREE_MODEL(selected_user_connection_tree), file_user_connection,
-                           file.get());
-    // Flush before the test: a full disk shows only when the buffer is written.
-    std::fflush(file.get());
-    if (std::ferror(file.get())) {
-        show_error("\nError writing user connection tree.\n");
-        return;
-    }
-    file.reset();
     gtk_tree_store_clear(current_user_connection_tree);
     make_connection_tree(current_user_connection_tree, current_user_filename.c_str(),
                          current_lines_per_row);

@@ -10,7 +10,8 @@
 inline constexpr const char* user_file_name = "/kestrel.inf";
 
 // Appends the rows of the file at path to tree, keeping only rows that name a
-// connection of the master list. When given, group_added is called with the tree and
+// connection of the master list. Only a regular file is read, never through a link, so
+// that nothing a user plants in a home blocks or misleads the load. When given, group_added is called with the tree and
 // each primary row once the primary's group is in, and known tells which (name, type)
 // pairs the master list holds in place of the list itself.
 using group_added_fn = void (*)(GtkTreeStore* tree, GtkTreeIter* primary);
@@ -22,8 +23,10 @@ void make_connection_tree(GtkTreeStore* tree, const char* path, int lines_per_ro
                           const read_observer* observer = nullptr);
 // Appends the rows of from to to as a load of from's file would have made them.
 void copy_connection_tree(GtkTreeModel* from, GtkTreeStore* to);
-// Writes selected_user_connection_tree to the named user's file, then reloads
-// current_user_connection_tree from the running user's own file.
-void save_user_connections(GtkWidget* ignored, const char* user_name);
+// Writes tree to the named user's file, whole, then reloads
+// current_user_connection_tree from the running user's own file. A link, FIFO or
+// anything but a regular file of the user (or of root) at the file's name is refused
+// with a message and logged.
+void save_user_connections(GtkTreeModel* tree, const std::string& user_name);
 gboolean file_user_connection(GtkTreeModel* model, GtkTreePath* path, GtkTreeIter* iter,
                               gpointer stream);

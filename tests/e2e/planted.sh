@@ -88,4 +88,36 @@ start_kestrelle
 kill -TERM "$pid"
 collect_exit_status
 
+# A user's tree in a home that another user made a FIFO or a link to a file of root's:
+# the program starts, Advanced opens on that user, and Save refuses with the message,
+# logs why, and leaves the FIFO, the link and its target as they were.
+home_tree_refused() {
+  start_kestrelle
+  local window advanced dialog
+  window=$(main_window)
+  [ -n "$window" ] || { fail "no main window"; stop_all; return; }
+  timeout 10 xdotool windowfocus --sync "$window" key alt+v
+  advanced=$(timeout 10 xdotool search --all --sync --onlyvisible --pid "$pid" --name '^Advanced Configuration$' | head -1)
+  [ -n "$advanced" ] || { fail "Advanced did not open"; stop_all; return; }
+  timeout 10 xdotool windowfocus --sync "$advanced" key alt+s
+  dialog=$(main_window)
+  [ -n "$dialog" ] || fail "no error dialog"
+  grep -q "^Not writing $root/home/user/kestrel.inf" "$log" || fail "the refusal was not logged"
+  stop_all
+}
+
+new_case home_tree_is_a_fifo
+mkfifo "$root/home/user/kestrel.inf"
+as_other "$root/home/user/kestrel.inf" || true
+home_tree_refused
+[ -p "$root/home/user/kestrel.inf" ] || fail "the FIFO was replaced"
+
+new_case home_tree_is_a_link
+printf 'kept\n' >"$root/target"
+ln -s "$root/target" "$root/home/user/kestrel.inf"
+as_other "$root/home/user/kestrel.inf" || true
+home_tree_refused
+expect_text "the link's target" $'kept\n' "$root/target"
+[ -L "$root/home/user/kestrel.inf" ] || fail "the link was replaced"
+
 finish

@@ -1,11 +1,13 @@
 // Saves on file systems that fill up half-way. /etc/.kestrel and /tmp/.kestrel (or /etc
 // and /tmp for the options file) are small tmpfs mounts of many sizes, in a private
 // mount namespace of a child process; the child reports each outcome on a pipe.
+#include "ica/wfclient.h"
 #include "platform/tmp_files.h"
 #include "shell/globals.h"
 #include "shell/options.h"
 #include "store/ica_paths.h"
 #include "store/models.h"
+#include "store/choices.h"
 #include "store/record.h"
 #include "store/save.h"
 #include "support/test_support.h"
@@ -123,7 +125,7 @@ std::string saved_text(GtkListStore* list, const std::string& scratch)
     make_dirs(root.path + "/tmp/.kestrel");
     root.point_globals_here();
     master_connection_list = list;
-    save_master_connections();
+    save_master_connections(GTK_TREE_MODEL(master_connection_list), current_master_settings());
     return read_file_text(root.master());
 }
 
@@ -175,7 +177,7 @@ TEST(full_disk, master_saves_on_two_small_file_systems_never_lose_the_list)
                 std::string before = old_text;
                 for (int save = 1; save <= 2; ++save) {
                     messages.shown.clear();
-                    save_master_connections();
+                    save_master_connections(GTK_TREE_MODEL(master_connection_list), current_master_settings());
                     const std::string after = read_file_text(root.master());
                     const std::string said = joined(messages.shown);
                     const char* state = after == new_text ? "new" : after == before ? "kept" : "LOST";
@@ -264,6 +266,49 @@ TEST(full_disk, options_file_is_replaced_whole_or_left_unchanged)
         EXPECT_EQ(line.find("BROKEN"), std::string::npos) << line;
         std::printf("%s\n", line.c_str());
     }
+}
+
+// The copy back of wfclient.ini onto a filling /etc/.kestrel (the filler takes as much
+// as fits): the client's file is replaced whole or stays as it was, and the user hears
+// nothing of it either way.
+TEST(full_disk, wfclient_copy_back_is_whole_or_nothing)
+{
+    temp_dir work;
+    std::string report;
+    const bool ran = in_private_mounts([&](std::ostream& out) {
+        message_recorder messages;
+        std::string old_text = "[WFClient]\nTcpBrowserAddress=old\n";
+        // Just under four pages: the new text needs a fifth.
+        for (int i = 0; old_text.size() < 16300; ++i)
+            old_text += "ClientSetting" + std::to_string(i) + "=kept by the client\n";
+        const auto add_servers = [](const std::string& text) {
+            return rewrite_server_locations(text, {{"https://a.example/", "https://b.example/"}, {}, ica_ssl_browser});
+        };
+        const std::string new_text = add_servers(old_text);
+        for (int filler_kib : {0, 8, 16, 24, 32, 40}) {
+            const std::string root = work / ("wfclient-" + std::to_string(filler_kib));
+            if (!mount_tmpfs(root + "/etc/.kestrel", 48) || !mount_tmpfs(root + "/tmp/.kestrel", 64))
+                _exit(2);
+            save_root{root}.point_globals_here();
+            wfclient_file = ica_dir + "/wfclient.ini";
+            write_file(wfclient_file, old_text);
+            write_file(root + "/etc/.kestrel/filler", std::string(static_cast<size_t>(filler_kib) * 1024, 'f'));
+            messages.shown.clear();
+            const bool done = rewrite_wfclient(add_servers);
+            const std::string after = read_file_text(wfclient_file);
+            const bool ok = done && messages.shown.empty() && (after == new_text || after == old_text);
+            out << "filler " << filler_kib << "k: " << (after == new_text ? "new" : after == old_text ? "kept" : "CUT")
+                << " " << (ok ? "ok" : "BROKEN") << "\n";
+            umount((root + "/etc/.kestrel").c_str());
+            umount((root + "/tmp/.kestrel").c_str());
+        }
+    }, &report);
+    if (!ran && not_allowed(report))
+        GTEST_SKIP() << report;
+    ASSERT_TRUE(ran) << report;
+    EXPECT_NE(report.find("new ok"), std::string::npos) << report;
+    EXPECT_NE(report.find("kept ok"), std::string::npos) << report;
+    EXPECT_EQ(report.find("BROKEN"), std::string::npos) << report;
 }
 
 }  // namespace

@@ -97,7 +97,7 @@ TEST(hostile_save, a_master_file_shorter_than_its_header_is_not_backed_up_over_a
         write_file(root / "tmp/.kestrel/kestrel.bak", backup);
         ica_dir = root / "no-such-dir";  // appsrv.ini cannot be opened: the save fails
         messages.shown.clear();
-        save_master_connections();
+        save_master_connections(GTK_TREE_MODEL(master_connection_list), current_master_settings());
         const std::string good = backup.size() == list.size() ? backup : master;
         EXPECT_EQ(read_file_text(root / "etc/.kestrel/kestrel.master"), good) << master << "|" << backup;
         EXPECT_EQ(messages.shown, std::vector<std::string>{

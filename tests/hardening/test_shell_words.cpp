@@ -92,8 +92,8 @@ TEST_F(shell_words_test, a_root_prefix_with_shell_syntax_still_backs_up_and_move
     tmp_dir = root + "/tmp/.kestrel";
     master_connection_list = create_master_store();
     message_recorder messages;
-    save_master_connections();
-    save_master_connections();
+    save_master_connections(GTK_TREE_MODEL(master_connection_list), current_master_settings());
+    save_master_connections(GTK_TREE_MODEL(master_connection_list), current_master_settings());
     EXPECT_TRUE(std::filesystem::exists(root + "/tmp/.kestrel/kestrel.bak")) << "the backup copy ran";
     write_file(root + "/etc/zarvooptions", "ZARVOSHELL=kestrelle\n");
     show_taskbar = kiosk_mode = 0;

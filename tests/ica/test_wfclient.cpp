@@ -153,8 +153,10 @@ TEST_F(wfclient_files, failures_leave_the_file_whole)
     // A temporary copy that cannot be written whole (a full disk) is not copied back.
     messages.shown.clear();
     tmp_dir = root / "tmp";
-    ASSERT_EQ(symlink("/dev/full", (tmp_dir + "/wfclient.ini").c_str()), 0);
-    EXPECT_FALSE(rewrite_wfclient([](const std::string&) { return std::string("[WFClient]\n"); }));
+    {
+        full_disk full;
+        EXPECT_FALSE(rewrite_wfclient([](const std::string&) { return std::string("[WFClient]\n"); }));
+    }
     EXPECT_EQ(messages.shown, std::vector<std::string>{"\nCouldn't open tmp Citrix wfclient.ini file.\n"});
     EXPECT_EQ(read_file_text(wfclient_file), "[WFClient]\nTcpBrowserAddress=old\n");
 

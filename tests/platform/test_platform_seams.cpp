@@ -2,11 +2,13 @@
 #include "platform/message.h"
 #include "platform/paths.h"
 #include "platform/users.h"
+#include "platform/whole_file.h"
 
 #include "support/test_support.h"
 
 #include <filesystem>
 #include <unistd.h>
+#include <sys/stat.h>
 
 namespace {
 
@@ -87,4 +89,29 @@ TEST_F(platform_test, log_moves_aside_past_its_limit_without_following_links)
         }
     }
 }
+// A replacement keeps the old file's owner and mode, replaces the file a link names (the
+// link stays), clears what a kill left at the temporary name, and leaves nothing else.
+TEST(whole_file, replacement_keeps_owner_mode_and_links_and_clears_leftovers)
+{
+    temp_dir dir;
+    const std::string file = dir / "file", link = dir / "link", leftover = dir / ".file.new";
+    write_file(file, "old");
+    chmod(file.c_str(), 0640);
+    const bool as_root = geteuid() == 0 && chown(file.c_str(), 4242, 4243) == 0;
+    ASSERT_EQ(symlink((dir / "elsewhere").c_str(), leftover.c_str()), 0);
+    ASSERT_EQ(symlink(file.c_str(), link.c_str()), 0);
+    ASSERT_TRUE(replace_file(link, "new"));
+    struct stat st;
+    ASSERT_EQ(lstat(file.c_str(), &st), 0);
+    EXPECT_EQ(st.st_mode & 07777, 0640u);
+    if (as_root) {
+        EXPECT_EQ(st.st_uid, 4242u);
+        EXPECT_EQ(st.st_gid, 4243u);
+    }
+    EXPECT_EQ(read_file_text(file), "new");
+    EXPECT_TRUE(std::filesystem::is_symlink(link));
+    EXPECT_FALSE(std::filesystem::exists(dir / "elsewhere"));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 2);
+}
+
 }  // namespace

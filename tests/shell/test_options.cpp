@@ -79,15 +79,14 @@ TEST_F(options_test, writing_replaces_key_lines_keeps_the_others_and_appends_mis
 
 TEST_F(options_test, failures_leave_the_file_and_say_why)
 {
-    const std::string original = "SHOW_TASKBAR=FALSE\n", &temp = temp_path, path = getenv("PATH");
-    write_file(root / "bin/mv", "#!/bin/sh\nexit 1\n");
-    chmod((root / "bin/mv").c_str(), 0755);
+    const std::string original = "SHOW_TASKBAR=FALSE\n", &temp = temp_path;
     const std::pair<std::function<void()>, std::vector<std::string>> table[] = {
         {[&] { make_dirs(temp); }, {}},
         // A link planted at the temporary name is never followed: it cannot be opened.
         // (A full /tmp, the write error, is a fault test.)
         {[&] { symlink("/dev/full", temp.c_str()); }, {}},
-        {[&] { setenv("PATH", (root / "bin:" + path).c_str(), 1); },
+        // The new file cannot be made beside the options file.
+        {[&] { make_dirs(root / "etc/.zarvooptions.new"); },
          {"\nError saving Zarvo options configuration file, changes not saved.\n"}},
     };
     for (const auto& [arrange, messages_shown] : table) {
@@ -97,7 +96,7 @@ TEST_F(options_test, failures_leave_the_file_and_say_why)
         set_flags({0, 1, 1});
         messages.shown.clear();
         write_zarvooptions();
-        setenv("PATH", path.c_str(), 1);
+        std::filesystem::remove_all(root / "etc/.zarvooptions.new");
         EXPECT_EQ(read_file_text(options_path), original);
         EXPECT_EQ(messages.shown, messages_shown);
     }

@@ -2,6 +2,10 @@
 
 #include "store_fixture.h"
 
+#include <functional>
+#include <optional>
+#include <sys/stat.h>
+
 namespace {
 
 class user_file_test : public store_test {
@@ -73,7 +77,7 @@ TEST_F(user_file_test, save_writes_the_selected_tree_and_reloads_the_current_one
     ASSERT_EQ(save_if_unique_connection(selected_user_connection_tree, &key), 0);
     EXPECT_EQ(messages.shown, std::vector<std::string>{"\nA connection with that name and type already exists.\n"});
 
-    save_user_connections(nullptr, "ann");
+    save_user_connections(GTK_TREE_MODEL(selected_user_connection_tree), "ann");
     EXPECT_EQ(read_file_text(home_file), "Version 1.000\n" + rows + "TRUE\nDesk\nRDP\nFALSE\nFALSE\nFALSE\n");
     EXPECT_EQ(shape(current_user_connection_tree), "TRUE|Mail|RDP|FALSE|TRUE|TRUE|0|Not Connected\n"
                                                    "  FALSE|Spare|RDP|TRUE|FALSE|TRUE|0|Not Connected\n"
@@ -101,19 +105,59 @@ TEST_F(user_file_test, a_copied_tree_is_the_tree_its_file_loads_to)
     g_object_unref(copy);
 }
 
-TEST_F(user_file_test, save_failures_are_reported)
+// Whatever a user puts at the file's name in a home, root never writes through it nor
+// into it, and loading it neither blocks nor reads through a link; a file made new
+// belongs to the user.
+TEST_F(user_file_test, saves_refuse_what_is_not_the_users_file_and_report_failures)
 {
-    save_user_connections(nullptr, "nobody");
-    std::filesystem::remove_all(root / "home/ann");
-    save_user_connections(nullptr, "ann");
-    make_dirs(root / "home/ann");
-    // A file that takes no data: the write fails as on a full disk.
-    ASSERT_EQ(symlink("/dev/full", (root / "home/ann/kestrel.inf").c_str()), 0);
+    const std::string file = root / "home/ann/kestrel.inf", target = root / "target";
+    const std::string target_text = "Version 1.000\nTRUE\nMail\nRDP\nFALSE\nFALSE\nFALSE\n";
+    const std::string not_opened = "\nCouldn't open user connection tree for writing.\n";
+    const struct {
+        const char* what;
+        std::function<void()> plant;
+        std::string message;
+        const char* user = "ann";
+        int rows_loaded = 0;
+    } rows[] = {
+        {"a user not in the database", [] {}, not_opened, "nobody"},
+        {"no home folder", [&] { std::filesystem::remove_all(root / "home/ann"); }, not_opened},
+        {"a link", [&] { symlink(target.c_str(), file.c_str()); }, not_opened},
+        {"a link to a device", [&] { symlink("/dev/zero", file.c_str()); }, not_opened},
+        {"a FIFO", [&] { mkfifo(file.c_str(), 0644); }, not_opened},
+        {"a folder", [&] { make_dirs(file); }, not_opened},
+        {"a second name of another file", [&] { link(target.c_str(), file.c_str()); }, not_opened, "ann", 1},
+        {"another user's file", [&] { write_file(file, "theirs\n"); chown(file.c_str(), 4242, 4242); }, not_opened},
+        {"a full disk", [] {}, "\nError writing user connection tree.\n"},
+        {"nothing there", [] {}, ""},
+    };
     locate_key key{"Desk", "RDP", {}, FALSE};
     save_if_unique_connection(selected_user_connection_tree, &key);
-    save_user_connections(nullptr, "ann");
-    const std::string not_opened = "\nCouldn't open user connection tree for writing.\n";
-    EXPECT_EQ(messages.shown,
-              (std::vector<std::string>{not_opened, not_opened, "\nError writing user connection tree.\n"}));
+    for (const auto& row : rows) {
+        std::filesystem::remove_all(root / "home/ann");
+        make_dirs(root / "home/ann");
+        write_file(target, target_text);
+        row.plant();
+        GtkTreeStore* loaded = create_user_tree_store();
+        make_connection_tree(loaded, file.c_str(), 6);
+        EXPECT_EQ(gtk_tree_model_iter_n_children(GTK_TREE_MODEL(loaded), nullptr), row.rows_loaded) << row.what;
+        g_object_unref(loaded);
+        messages.shown.clear();
+        {
+            std::optional<full_disk> full;
+            if (row.message == "\nError writing user connection tree.\n")
+                full.emplace();
+            save_user_connections(GTK_TREE_MODEL(selected_user_connection_tree), row.user);
+        }
+        EXPECT_EQ(messages.shown, (row.message.empty() ? std::vector<std::string>{} : std::vector{row.message}))
+            << row.what;
+        EXPECT_EQ(read_file_text(target), target_text) << row.what;
+    }
+    EXPECT_EQ(read_file_text(file), "Version 1.000\nTRUE\nDesk\nRDP\nFALSE\nFALSE\nFALSE\n");
+    struct stat st;
+    ASSERT_EQ(stat(file.c_str(), &st), 0);
+    if (geteuid() == 0) {
+        EXPECT_EQ(st.st_uid, 1000u);
+    }
 }
 }  // namespace

@@ -2,11 +2,23 @@
 
 #include "platform/message.h"
 
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
+
+full_disk::full_disk(rlim_t room)
+{
+    signal(SIGXFSZ, SIG_IGN);  // the write fails with EFBIG instead of killing the test
+    getrlimit(RLIMIT_FSIZE, &old_);
+    struct rlimit small = old_;
+    small.rlim_cur = room;
+    setrlimit(RLIMIT_FSIZE, &small);
+}
+
+full_disk::~full_disk() { setrlimit(RLIMIT_FSIZE, &old_); }
 
 temp_dir::temp_dir()
 {

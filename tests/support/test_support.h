@@ -17,6 +17,7 @@
 #include <numeric>
 #include <string>
 #include <sys/stat.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
@@ -45,6 +46,16 @@ public:
 private:
     std::string old_;
     bool had_old_;
+};
+
+// While it lives, writes to regular files fail past room bytes, as on a full disk.
+class full_disk {
+public:
+    explicit full_disk(rlim_t room = 8);
+    ~full_disk();
+
+private:
+    struct rlimit old_;
 };
 
 void write_file(const std::string& path, const std::string& contents);
