@@ -4,7 +4,6 @@
 #include "platform/message.h"
 #include "platform/paths.h"
 #include "shell/globals.h"
-#include "shell/status_monitor.h"
 #include "store/models.h"
 #include "store/save.h"
 #include "store/user_file.h"
@@ -133,7 +132,7 @@ bool enough_disk_space()
 
 bool confirm_change_while_active(GtkWindow* parent)
 {
-    if (!active_connections(GTK_TREE_MODEL(current_user_connection_tree)))
+    if (!current_user_sessions_active())
         return true;
     return ask_yes_no(parent, active_question);
 }

@@ -4,7 +4,6 @@
 #include "platform/shell_command.h"
 #include "platform/tmp_files.h"
 #include "shell/globals.h"
-#include "shell/status_monitor.h"
 #include "store/models.h"
 #include "ui/widgets.h"
 
@@ -64,8 +63,6 @@ void warn_active_sessions(GtkWindow* parent)
     gtk_widget_destroy(box);
     warning_open = false;
 }
-
-bool sessions_active() { return active_connections(GTK_TREE_MODEL(current_user_connection_tree)); }
 
 // Signals are answered from the main loop itself; while a modal dialog runs its own
 // loop (or start-up has not reached the main loop yet) they wait, so that leaving
@@ -173,7 +170,7 @@ void clean_up_and_quit()
 
 gboolean exit_program()
 {
-    if (sessions_active())
+    if (current_user_sessions_active())
         warn_active_sessions(root_window ? GTK_WINDOW(root_window) : nullptr);
     else
         clean_up_and_quit();
@@ -182,7 +179,7 @@ gboolean exit_program()
 
 void shutdown_dialog(GtkWidget*, gpointer parent)
 {
-    if (sessions_active())
+    if (current_user_sessions_active())
         warn_active_sessions(nullptr);
     else
         open_end_session(parent ? GTK_WIDGET(parent) : root_window);

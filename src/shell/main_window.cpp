@@ -4,6 +4,7 @@
 #include "platform/message.h"
 #include "platform/paths.h"
 #include "platform/shell_command.h"
+#include "shell/dialogs.h"
 #include "shell/exit.h"
 #include "shell/globals.h"
 #include "shell/help.h"
@@ -17,8 +18,6 @@
 namespace {
 
 constexpr const char* product_name = "Kestrelle";
-constexpr const char* initial_error_text = "\nWarning dialogs are enabled.\n";
-constexpr const char* reconnect_text = "\nPlease close this dialog when you're ready to connect.\n";
 constexpr const char* control_panels[] = {"/usr/bin/zarvocontrolpanel", "/usr/bin/xfce-setting-show"};
 constexpr int window_border = 10;
 constexpr int button_spacing = 10;
@@ -33,50 +32,6 @@ constexpr int window_height = 320;
 constexpr const char* tree_view_key = "kestrelle-tree-view";
 constexpr const char* button_column_key = "kestrelle-buttons";
 constexpr const char* help_button_key = "kestrelle-help-button";
-
-// The error dialog's text; the dialog itself is made when it is first shown.
-std::string error_text;
-
-// The error and reconnect dialogs: modal, no parent, one close button; any response
-// hides them, for they live for the whole run once made.
-GtkWidget* make_shared_dialog(GtkWidget** label, const char* text)
-{
-    GtkWidget* dialog = gtk_dialog_new_with_buttons(product_name, nullptr, GTK_DIALOG_MODAL,
-                                                    GTK_STOCK_CLOSE, GTK_RESPONSE_CLOSE, nullptr);
-    gtk_window_set_position(GTK_WINDOW(dialog), GTK_WIN_POS_CENTER);
-    gtk_window_set_icon(GTK_WINDOW(dialog), program_icon());
-    *label = gtk_label_new(text);
-    gtk_label_set_justify(GTK_LABEL(*label), GTK_JUSTIFY_CENTER);
-    gtk_label_set_line_wrap(GTK_LABEL(*label), TRUE);
-    gtk_box_pack_start(GTK_BOX(GTK_DIALOG(dialog)->vbox), *label, TRUE, TRUE, 0);
-    g_signal_connect(*label, "destroy", G_CALLBACK(gtk_widget_destroyed), label);
-    g_signal_connect(dialog, "response", G_CALLBACK(gtk_widget_hide), nullptr);
-    g_signal_connect(dialog, "delete-event", G_CALLBACK(gtk_widget_hide_on_delete), nullptr);
-    return dialog;
-}
-
-// Both dialogs are made on first use: most runs never show them, and making them is a
-// noticeable part of start-up.
-void run_shared_dialog(GtkWidget** dialog, GtkWidget** label, const char* text)
-{
-    if (!*dialog) {
-        *dialog = make_shared_dialog(label, text);
-        g_signal_connect(*dialog, "destroy", G_CALLBACK(gtk_widget_destroyed), dialog);
-    }
-    gtk_widget_show_all(*dialog);
-    gtk_dialog_run(GTK_DIALOG(*dialog));
-    if (*dialog)
-        gtk_widget_hide(*dialog);
-}
-
-void set_error_label(const std::string& text)
-{
-    error_text = text;
-    if (error_label)
-        gtk_label_set_text(GTK_LABEL(error_label), text.c_str());
-}
-
-void run_error_dialog_window() { run_shared_dialog(&error_dialog, &error_label, error_text.c_str()); }
 
 GtkTreeView* connection_view()
 {
@@ -286,8 +241,7 @@ void build_main_window()
     gtk_box_pack_end(GTK_BOX(row), buttons, FALSE, FALSE, 0);
     g_object_set_data(G_OBJECT(root_window), button_column_key, buttons);
 
-    error_text = initial_error_text;
-    set_message_handlers({set_error_label, run_error_dialog_window});
+    install_shared_dialogs();
 }
 
 void finish_main_window()
@@ -325,8 +279,6 @@ void expand_connection_group(GtkTreeStore* tree, GtkTreeIter* primary)
 // The rows were expanded when the list was made, and every change of the window's state
 // expands them again.
 void show_main_window() { gtk_widget_show_all(root_window); }
-
-void run_reconnect_dialog() { run_shared_dialog(&reconnect_dialog, &reconnect_label, reconnect_text); }
 
 void make_user_renderer(GtkTreeView* view)
 {
@@ -366,6 +318,23 @@ void system_cb(GtkWidget*, gpointer)
             return;
         }
     }
+}
+
+void spawn_button_cb(GtkWidget*, GtkTreeView* tree_view)
+{
+    GtkTreeModel* model = nullptr;
+    GtkTreeIter iter;
+    if (gtk_tree_selection_get_selected(gtk_tree_view_get_selection(tree_view), &model, &iter))
+        spawn_connection(model, &iter);
+}
+
+// The activated row itself: a row activated from the keyboard need not be selected.
+void spawn_doubleclick_cb(GtkTreeView* tree_view, GtkTreePath* path, GtkTreeViewColumn*, gpointer)
+{
+    GtkTreeModel* model = gtk_tree_view_get_model(tree_view);
+    GtkTreeIter iter;
+    if (gtk_tree_model_get_iter(model, &iter, path))
+        spawn_connection(model, &iter);
 }
 
 gboolean root_window_delete_event(GtkWidget* window, GdkEvent*, gpointer)
