@@ -47,7 +47,6 @@ user_entry read_identity()
     current_user_filename = user->home + user_file_name;
     selected_user_name = user->name;
     current_user_name = selected_user_name;
-    home_dir = g_get_home_dir();
     tmp_dir = root_path("/tmp/.kestrel");
     return *user;
 }
