@@ -15,7 +15,7 @@
 #include <vector>
 
 // The shared handler of the flag word's toggles: the bit follows the toggle.
-void ica_toggle_buttons_cb(GtkToggleButton* button, gpointer bit)
+static void ica_toggle_buttons_cb(GtkToggleButton* button, gpointer bit)
 {
     if (gtk_toggle_button_get_active(button))
         connect_info.flags |= GPOINTER_TO_UINT(bit);
@@ -147,7 +147,7 @@ void follow(GtkWidget* toggle, GCallback rule, GtkWidget* other)
 
 const editor_kind ica_kind{"ICA", true, "1494", MC_ICA_MASK, ica_columns};
 
-void ica_server_toggle_editable_cb(GtkToggleButton* server, editor* e)
+static void ica_server_toggle_editable_cb(GtkToggleButton* server, editor* e)
 {
     const bool on = gtk_toggle_button_get_active(server);
     connect_info.flags &= ~static_cast<unsigned long>(ica_server | ica_published_app);
@@ -156,7 +156,7 @@ void ica_server_toggle_editable_cb(GtkToggleButton* server, editor* e)
     gtk_widget_set_sensitive(e->widgets[ICA_WORKDIR], on);
 }
 
-void ica_proxy_toggle_editable_cb(GtkWidget* proxy_combo, GtkWidget* target)
+static void ica_proxy_toggle_editable_cb(GtkWidget* proxy_combo, GtkWidget* target)
 {
     const std::string type = combo_text(proxy_combo);
     if (type.empty())
@@ -189,7 +189,7 @@ void ica_get_published_list(GtkWidget*, ica_editor* b)
 
 // The shared Save row hands over the editor block; columns 6 and 7 come from connect_info,
 // where the Server Location dialog keeps them.
-void ica_ok_button_cb(GtkWidget*, editor* e)
+static void ica_ok_button_cb(GtkWidget*, editor* e)
 {
     connection_record values = editor_values(e);
     values[MC_ICA_LOCATION] = connect_info.text[MC_ICA_LOCATION];
