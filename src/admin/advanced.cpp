@@ -23,8 +23,6 @@ namespace {
 constexpr int window_width = 700;
 constexpr int window_height = 425;
 constexpr int spacing = 10;
-constexpr int master_lines_per_record = 35;
-constexpr int user_lines_per_row = 6;
 constexpr const char* user_view_key = "kestrelle-user-view";
 constexpr const char* nobody = "nobody";
 constexpr const char* demote_refused =

@@ -4,6 +4,7 @@
 #include "platform/message.h"
 #include "platform/paths.h"
 #include "shell/globals.h"
+#include "store/ica_paths.h"
 #include "store/models.h"
 #include "store/save.h"
 #include "store/user_file.h"
@@ -70,7 +71,7 @@ void open_existing(const std::string& type, GtkWidget* parent, GtkTreeModel* mod
 void reload_tree(GtkTreeStore* tree)
 {
     gtk_tree_store_clear(tree);
-    make_connection_tree(tree, current_user_filename.c_str(), 6);
+    make_connection_tree(tree, current_user_filename.c_str(), user_lines_per_row);
 }
 
 gboolean refuse_close(GtkWidget*, GdkEvent*, gpointer) { return TRUE; }
@@ -127,7 +128,7 @@ bool selected_tree_key(gpointer tree_selection, wizard_key* key)
 bool enough_disk_space()
 {
     struct statvfs fs;
-    return statvfs(root_path("/etc/.kestrel").c_str(), &fs) == 0 && fs.f_bfree > minimum_free_blocks;
+    return statvfs(root_path(config_dir).c_str(), &fs) == 0 && fs.f_bfree > minimum_free_blocks;
 }
 
 bool confirm_change_while_active(GtkWindow* parent)

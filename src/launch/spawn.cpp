@@ -5,6 +5,7 @@
 #include "platform/log.h"
 #include "platform/shell_command.h"
 #include "platform/tmp_files.h"
+#include "store/master_index.h"
 #include "store/models.h"
 #include "store/record.h"
 
