@@ -86,14 +86,7 @@ void chooser_cancel_cb(GtkWidget*, gpointer chooser)
 
 GtkWidget* chooser_buttons(GtkWidget* chooser)
 {
-    GtkWidget* row = gtk_hbutton_box_new();
-    GtkWidget* ok = labelled_button("_Ok", G_CALLBACK(add_connection_cb), chooser);
-    gtk_box_pack_start(GTK_BOX(row), ok, FALSE, FALSE, 0);
-    gtk_box_pack_start(GTK_BOX(row), labelled_button("_Cancel", G_CALLBACK(chooser_cancel_cb), chooser),
-                       FALSE, FALSE, 0);
-    gtk_widget_set_can_default(ok, TRUE);
-    gtk_window_set_default(GTK_WINDOW(chooser), ok);
-    return row;
+    return default_cancel_row(chooser, "_Ok", G_CALLBACK(add_connection_cb), G_CALLBACK(chooser_cancel_cb), chooser);
 }
 
 GtkWidget* chooser_combo()

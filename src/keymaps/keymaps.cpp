@@ -84,17 +84,6 @@ struct keymap_entry {
 };
 using keymap_entries = std::vector<keymap_entry>;
 
-// A directory opens for reading but holds no lines; it counts as a missing file so
-// that the next source is tried.
-unique_file open_text_file(const std::string& path)
-{
-    unique_file file = open_file(path, "re");
-    struct stat st;
-    if (file && (fstat(fileno(file.get()), &st) != 0 || S_ISDIR(st.st_mode)))
-        file.reset();
-    return file;
-}
-
 bool is_space(char c) { return std::isspace(static_cast<unsigned char>(c)); }
 
 std::string trim_trailing(std::string text)

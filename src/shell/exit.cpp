@@ -14,6 +14,7 @@
 #include <fcntl.h>
 #include <string>
 #include <unistd.h>
+#include <vector>
 
 namespace {
 
@@ -100,9 +101,8 @@ gboolean drain_signal_pipe(GIOChannel*, GIOCondition, gpointer)
 
 void choose_cb(GtkWidget* button, gpointer window)
 {
-    GtkComboBox* choice = GTK_COMBO_BOX(g_object_get_data(G_OBJECT(window), choice_key));
-    GtkWidget* entry = gtk_bin_get_child(GTK_BIN(choice));
-    std::string text = gtk_entry_get_text(GTK_ENTRY(entry));
+    GtkWidget* choice = GTK_WIDGET(g_object_get_data(G_OBJECT(window), choice_key));
+    const std::string text = combo_text(choice);
     shutdown_dialog_cb(button, text.c_str());
     gtk_widget_destroy(GTK_WIDGET(window));
 }
@@ -111,31 +111,19 @@ void cancel_cb(GtkWidget*, gpointer window) { gtk_widget_destroy(GTK_WIDGET(wind
 
 GtkWidget* make_choice()
 {
-    GtkWidget* choice = gtk_combo_box_text_new_with_entry();
-    gtk_combo_box_text_append_text(GTK_COMBO_BOX_TEXT(choice), quit_choice);
+    std::vector<std::string> choices{quit_choice};
     if (allow_turnoff)
-        gtk_combo_box_text_append_text(GTK_COMBO_BOX_TEXT(choice), turnoff_choice);
+        choices.emplace_back(turnoff_choice);
     if (allow_reboot)
-        gtk_combo_box_text_append_text(GTK_COMBO_BOX_TEXT(choice), reboot_choice);
-    gtk_combo_box_set_active(GTK_COMBO_BOX(choice), 0);
-    GtkWidget* entry = gtk_bin_get_child(GTK_BIN(choice));
-    gtk_editable_set_editable(GTK_EDITABLE(entry), FALSE);
-    gtk_entry_set_activates_default(GTK_ENTRY(entry), TRUE);
+        choices.emplace_back(reboot_choice);
+    GtkWidget* choice = fixed_choice_combo(choices, quit_choice);
+    gtk_entry_set_activates_default(GTK_ENTRY(gtk_bin_get_child(GTK_BIN(choice))), TRUE);
     return choice;
 }
 
 GtkWidget* make_end_session_buttons(GtkWidget* window)
 {
-    GtkWidget* buttons = gtk_hbutton_box_new();
-    GtkWidget* ok = gtk_button_new_with_mnemonic("_Ok");
-    GtkWidget* cancel = gtk_button_new_with_mnemonic("_Cancel");
-    gtk_box_pack_start(GTK_BOX(buttons), ok, FALSE, FALSE, 0);
-    gtk_box_pack_start(GTK_BOX(buttons), cancel, FALSE, FALSE, 0);
-    g_signal_connect(ok, "clicked", G_CALLBACK(choose_cb), window);
-    g_signal_connect(cancel, "clicked", G_CALLBACK(cancel_cb), window);
-    gtk_widget_set_can_default(ok, TRUE);
-    gtk_window_set_default(GTK_WINDOW(window), ok);
-    return buttons;
+    return default_cancel_row(window, "_Ok", G_CALLBACK(choose_cb), G_CALLBACK(cancel_cb), window);
 }
 
 void open_end_session(GtkWidget* parent)
