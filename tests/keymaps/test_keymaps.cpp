@@ -93,14 +93,4 @@ TEST_F(keymaps_test, keymap_lst_names_then_built_in_names)
     }
 }
 
-TEST_F(keymaps_test, read_file_reports_a_file_it_cannot_load)
-{
-    write_file(root / "etc/present", "text");
-    const std::string missing = root / "etc/missing";
-    testing::internal::CaptureStdout();
-    EXPECT_EQ(read_file((root / "etc/present").c_str()), 1);
-    EXPECT_EQ(read_file(missing.c_str()), 0);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Cannot load file: " + missing + "\n");
-}
-
 }  // namespace
