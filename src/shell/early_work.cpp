@@ -95,8 +95,10 @@ private:
 
 support_files support;
 
-// The master list is read in a thread of its own while the toolkit starts. The new list
-// is seen by nothing else until the thread has ended, and loading it only builds its rows.
+// The master list is read in a thread of its own while the toolkit starts. A list store
+// is a plain GObject, with no display or main loop behind it, and GLib makes making
+// objects safe from any thread; the new list is seen by nothing else until the thread
+// has ended, and loading it only builds its rows. So it may be made and filled here.
 early_work<GtkListStore*> master_loading;
 
 // The list's names and types and its header are read by another thread in a fraction of
