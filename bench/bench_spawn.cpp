@@ -12,6 +12,7 @@
 #include "launch/spawn.h"
 #include "shell/globals.h"
 #include "store/ica_paths.h"
+#include "store/master_index.h"
 #include "store/models.h"
 #include "store/record.h"
 

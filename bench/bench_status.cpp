@@ -14,10 +14,6 @@
 #include <unistd.h>
 #include <vector>
 
-// No session ends during the benchmark, so the reconnect prompt is never asked for;
-// this definition stands in for the window at link level.
-void run_reconnect_dialog() {}
-
 namespace {
 
 constexpr int active_rows = 200;

@@ -1,19 +1,18 @@
 #include "admin/advanced.h"
 
 #include "admin/ping_options.h"
-#include "admin/previews.h"
-#include "admin/tree_moves.h"
+#include "admin/interface_settings.h"
+#include "admin/user_tree_edit.h"
 #include "editors/connections.h"
 #include "ica/global_settings.h"
 #include "platform/message.h"
 #include "platform/paths.h"
 #include "platform/users.h"
 #include "shell/globals.h"
-#include "shell/options.h"
 #include "store/master_file.h"
 #include "store/models.h"
-#include "store/save.h"
 #include "store/user_file.h"
+#include "ui/form.h"
 #include "ui/widgets.h"
 
 #include <algorithm>
@@ -23,12 +22,8 @@ namespace {
 constexpr int window_width = 700;
 constexpr int window_height = 425;
 constexpr int spacing = 10;
-constexpr int master_lines_per_record = 35;
-constexpr int user_lines_per_row = 6;
 constexpr const char* user_view_key = "kestrelle-user-view";
 constexpr const char* nobody = "nobody";
-constexpr const char* demote_refused =
-    "\nPlease remove or promote secondary connections before demoting this connection.\n";
 
 GtkTreeStore* user_tree() { return selected_user_connection_tree; }
 GtkTreeModel* user_model() { return GTK_TREE_MODEL(selected_user_connection_tree); }
@@ -129,14 +124,6 @@ GtkWidget* button_column(std::initializer_list<GtkWidget*> buttons)
     return centred;
 }
 
-GtkWidget* framed_box(const char* title, GtkWidget* child)
-{
-    GtkWidget* frame = gtk_frame_new(title);
-    gtk_container_set_border_width(GTK_CONTAINER(child), spacing / 2);
-    gtk_container_add(GTK_CONTAINER(frame), child);
-    return frame;
-}
-
 // --- The window's parts -------------------------------------------------------------
 
 struct advanced_parts {
@@ -158,7 +145,7 @@ GtkWidget* available_pane(const advanced_parts& parts)
                                    labelled_button("_Edit", G_CALLBACK(edit_connection), parts.master),
                                    remove}),
                        FALSE, FALSE, 0);
-    return framed_box("Available Connections", column);
+    return framed("Available Connections", column);
 }
 
 GtkWidget* user_pane(const advanced_parts& parts)
@@ -173,7 +160,7 @@ GtkWidget* user_pane(const advanced_parts& parts)
     GtkWidget* column = gtk_vbox_new(FALSE, spacing / 2);
     gtk_box_pack_start(GTK_BOX(column), parts.chooser, FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(column), list, TRUE, TRUE, 0);
-    return framed_box("User Connections", column);
+    return framed("User Connections", column);
 }
 
 GtkWidget* move_buttons(const advanced_parts& parts)
@@ -193,21 +180,6 @@ GtkWidget* user_chooser(GtkWidget* view)
     g_signal_connect(chooser, "changed", G_CALLBACK(select_user), chooser);
     set_combo_text(chooser, selected_user_name);
     return chooser;
-}
-
-GtkWidget* interface_settings()
-{
-    GdkPixbuf* picture = interface_preview(show_gui, show_taskbar);
-    GtkWidget* preview = gtk_image_new_from_pixbuf(picture);
-    g_object_unref(picture);
-    GtkWidget* check = gtk_check_button_new_with_mnemonic("Show user _interface");
-    gtk_widget_set_name(check, "show-interface");
-    gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(check), show_gui);
-    g_signal_connect(check, "toggled", G_CALLBACK(ui_tb_cb), preview);
-    GtkWidget* row = gtk_hbox_new(FALSE, spacing);
-    gtk_box_pack_start(GTK_BOX(row), preview, FALSE, FALSE, 0);
-    gtk_box_pack_start(GTK_BOX(row), check, FALSE, FALSE, 0);
-    return framed_box("Global UI Kiosk Settings", row);
 }
 
 void save_user_cb(GtkWidget*, gpointer chooser)
@@ -261,87 +233,6 @@ GtkWidget* advanced_content(advanced_parts* parts)
     gtk_box_pack_start(GTK_BOX(column), panes, TRUE, TRUE, 0);
     gtk_box_pack_start(GTK_BOX(column), bottom, FALSE, FALSE, 0);
     return column;
-}
-
-// --- Tree rows ----------------------------------------------------------------------
-
-tree_position position_of(GtkTreePath* path)
-{
-    const gint* indices = gtk_tree_path_get_indices(path);
-    if (gtk_tree_path_get_depth(path) > 1)
-        return {indices[0], indices[1]};
-    return {indices[0], -1};
-}
-
-GtkTreePath* path_of(tree_position position)
-{
-    return position.is_secondary() ? gtk_tree_path_new_from_indices(position.primary, position.secondary, -1)
-                                   : gtk_tree_path_new_from_indices(position.primary, -1);
-}
-
-tree_shape shape_of(GtkTreeModel* model)
-{
-    tree_shape shape;
-    GtkTreeIter iter;
-    for (bool more = gtk_tree_model_get_iter_first(model, &iter); more;
-         more = gtk_tree_model_iter_next(model, &iter))
-        shape.push_back(gtk_tree_model_iter_n_children(model, &iter));
-    return shape;
-}
-
-using target_rule = std::optional<tree_position> (*)(const tree_shape&, tree_position);
-
-void move_selected(gpointer tree_selection, target_rule rule, bool up)
-{
-    GtkTreeSelection* selection = GTK_TREE_SELECTION(tree_selection);
-    GtkTreeModel* model = nullptr;
-    GtkTreeIter selected;
-    if (!gtk_tree_selection_get_selected(selection, &model, &selected))
-        return;
-    GtkTreePath* path = gtk_tree_model_get_path(model, &selected);
-    const tree_position from = position_of(path);
-    gtk_tree_path_free(path);
-    const std::optional<tree_position> to = rule(shape_of(model), from);
-    if (!to)
-        return;
-    GtkTreePath* target_path = path_of(*to);
-    GtkTreeIter target;
-    if (gtk_tree_model_get_iter(model, &target, target_path)) {
-        tree_row a = read_tree_row(model, &selected);
-        tree_row b = read_tree_row(model, &target);
-        exchange_rows(a, b, up, from.is_secondary(), to->is_secondary());
-        write_tree_row(GTK_TREE_STORE(model), &selected, a);
-        write_tree_row(GTK_TREE_STORE(model), &target, b);
-        gtk_tree_selection_select_iter(selection, &target);
-    }
-    gtk_tree_path_free(target_path);
-}
-
-bool top_level_row(GtkTreeModel* model, const gchar* path_text, GtkTreeIter* iter)
-{
-    if (!gtk_tree_model_get_iter_from_string(model, iter, path_text))
-        return false;
-    GtkTreeIter parent;
-    return !gtk_tree_model_iter_parent(model, &parent, iter);
-}
-
-void flip(GtkTreeStore* tree, GtkTreeIter* iter, int column)
-{
-    const bool on = model_flag(GTK_TREE_MODEL(tree), iter, column);
-    gtk_tree_store_set(tree, iter, column, !on, -1);
-}
-
-// Moves a row to its new place (made by place) with its start flags cleared.
-template <typename placer>
-void move_row(GtkTreeStore* tree, GtkTreeIter* row, bool primary, placer place)
-{
-    tree_row moved = read_tree_row(GTK_TREE_MODEL(tree), row);
-    moved.primary = primary;
-    moved.automatic = moved.persistent = moved.prompt = false;
-    GtkTreeIter added;
-    place(&added);
-    write_tree_row(tree, &added, moved);
-    gtk_tree_store_remove(tree, row);
 }
 
 }  // namespace
@@ -400,131 +291,4 @@ void cancel_advanced_cb()
     gtk_list_store_clear(master_connection_list);
     make_connection_list(master_connection_list, root_path(master_file_path).c_str(),
                          master_lines_per_record);
-}
-
-void move_right_cb(GtkWidget*, gpointer master_selection)
-{
-    GtkTreeModel* model = nullptr;
-    GtkTreeIter iter;
-    if (!gtk_tree_selection_get_selected(GTK_TREE_SELECTION(master_selection), &model, &iter))
-        return;
-    tree_row row;
-    row.name = model_text(model, &iter, MC_NAME);
-    row.type = model_text(model, &iter, MC_TYPE);
-    locate_key key{row.name.c_str(), row.type.c_str(), {}, FALSE};
-    gtk_tree_model_foreach(user_model(), locate_in_tree, &key);
-    if (key.found) {
-        show_error("\nA connection with that name and type already exists.\n");
-        return;
-    }
-    GtkTreeIter added;
-    gtk_tree_store_append(user_tree(), &added, nullptr);
-    write_tree_row(user_tree(), &added, row);
-}
-
-void move_doubleclick_cb(GtkTreeView* master_view, GtkTreePath*, GtkTreeViewColumn*, gpointer)
-{
-    move_right_cb(nullptr, gtk_tree_view_get_selection(master_view));
-}
-
-void move_left_cb(GtkWidget*, gpointer tree_selection)
-{
-    GtkTreeModel* model = nullptr;
-    GtkTreeIter iter;
-    if (gtk_tree_selection_get_selected(GTK_TREE_SELECTION(tree_selection), &model, &iter))
-        gtk_tree_store_remove(GTK_TREE_STORE(model), &iter);
-}
-
-void move_up_cb(GtkWidget*, gpointer tree_selection)
-{
-    move_selected(tree_selection, move_up_target, true);
-}
-
-void move_down_cb(GtkWidget*, gpointer tree_selection)
-{
-    move_selected(tree_selection, move_down_target, false);
-}
-
-void primary_cb(GtkCellRendererToggle*, gchar* path_text, gpointer tree_view)
-{
-    GtkTreeIter row;
-    if (g_strcmp0(path_text, "0") == 0 || !gtk_tree_model_get_iter_from_string(user_model(), &row, path_text))
-        return;
-    GtkTreeIter parent;
-    if (gtk_tree_model_iter_parent(user_model(), &parent, &row)) {
-        move_row(user_tree(), &row, true, [&](GtkTreeIter* added) {
-            gtk_tree_store_insert_after(user_tree(), added, nullptr, &parent);
-        });
-    } else if (gtk_tree_model_iter_has_child(user_model(), &row)) {
-        show_error(demote_refused);
-        return;
-    } else {
-        GtkTreePath* path = gtk_tree_model_get_path(user_model(), &row);
-        gtk_tree_path_prev(path);
-        GtkTreeIter previous;
-        gtk_tree_model_get_iter(user_model(), &previous, path);
-        gtk_tree_path_free(path);
-        move_row(user_tree(), &row, false, [&](GtkTreeIter* added) {
-            gtk_tree_store_append(user_tree(), added, &previous);
-        });
-    }
-    expand_user_view(GTK_TREE_VIEW(tree_view));
-}
-
-void automatic_cb(GtkCellRendererToggle*, gchar* path_text, gpointer tree)
-{
-    GtkTreeIter row;
-    if (top_level_row(GTK_TREE_MODEL(tree), path_text, &row))
-        flip(GTK_TREE_STORE(tree), &row, TC_AUTOMATIC);
-}
-
-void persistent_cb(GtkCellRendererToggle*, gchar* path_text, gpointer tree)
-{
-    GtkTreeIter row;
-    if (!top_level_row(GTK_TREE_MODEL(tree), path_text, &row))
-        return;
-    flip(GTK_TREE_STORE(tree), &row, TC_PERSISTENT);
-    gtk_tree_store_set(GTK_TREE_STORE(tree), &row, TC_PROMPT, FALSE, -1);
-}
-
-void prompt_cb(GtkCellRendererToggle*, gchar* path_text, gpointer tree)
-{
-    GtkTreeIter row;
-    if (top_level_row(GTK_TREE_MODEL(tree), path_text, &row) &&
-        model_flag(GTK_TREE_MODEL(tree), &row, TC_PERSISTENT))
-        flip(GTK_TREE_STORE(tree), &row, TC_PROMPT);
-}
-
-namespace {
-
-void show_preview(gpointer preview)
-{
-    GdkPixbuf* picture = interface_preview(show_gui, show_taskbar);
-    gtk_image_set_from_pixbuf(GTK_IMAGE(preview), picture);
-    g_object_unref(picture);
-}
-
-}  // namespace
-
-void ui_tb_cb(GtkToggleButton* check_box, gpointer preview)
-{
-    show_gui = gtk_toggle_button_get_active(check_box);
-    show_preview(preview);
-    // The new picture is drawn before the save, which may take a moment.
-    gtk_main_iteration_do(FALSE);
-    save_master_connections(GTK_TREE_MODEL(master_connection_list), current_master_settings());
-}
-
-void taskbar_tb_cb(GtkToggleButton* check_box, gpointer preview)
-{
-    show_taskbar = gtk_toggle_button_get_active(check_box);
-    set_icewm_taskbar(show_taskbar);
-    show_preview(preview);
-    write_zarvooptions();
-}
-
-void kiosk_tb_cb(GtkToggleButton* check_box, gpointer)
-{
-    kiosk_mode = gtk_toggle_button_get_active(check_box);
-    write_zarvooptions();
 }

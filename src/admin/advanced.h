@@ -15,22 +15,6 @@ void select_user(GtkWidget* widget, gpointer chooser);
 // running user is administered again and the master list is read again from its file.
 void cancel_advanced_cb();
 
-void move_right_cb(GtkWidget* widget, gpointer master_selection);
-void move_doubleclick_cb(GtkTreeView* master_view, GtkTreePath* path, GtkTreeViewColumn* column,
-                         gpointer data);
-void move_left_cb(GtkWidget* widget, gpointer tree_selection);
-void move_up_cb(GtkWidget* widget, gpointer tree_selection);
-void move_down_cb(GtkWidget* widget, gpointer tree_selection);
-
-void primary_cb(GtkCellRendererToggle* renderer, gchar* path_text, gpointer tree_view);
-void automatic_cb(GtkCellRendererToggle* renderer, gchar* path_text, gpointer tree);
-void persistent_cb(GtkCellRendererToggle* renderer, gchar* path_text, gpointer tree);
-void prompt_cb(GtkCellRendererToggle* renderer, gchar* path_text, gpointer tree);
-
-void ui_tb_cb(GtkToggleButton* check_box, gpointer preview);
-void taskbar_tb_cb(GtkToggleButton* check_box, gpointer preview);
-void kiosk_tb_cb(GtkToggleButton* check_box, gpointer data);
-
 // The accounts an administrator can assign connections to: homes holding "root" or
 // "home" as the database writes them, never "nobody", sorted byte by byte.
 std::vector<std::string> administered_users();

@@ -65,7 +65,7 @@ void set_up(const std::string& root)
         setenv("KESTRELLE_ROOT", root.c_str(), 1);
     set_message_handlers({ignore_text, ignore_run});
     fill_seedchars();
-    ica_dir = root_path("/etc/.kestrel");
+    ica_dir = root_path(config_dir);
     wfclient_file = ica_dir + "/wfclient.ini";
     find_x_files();
     make_x_keymap();

@@ -6,8 +6,6 @@
 
 namespace {
 
-constexpr int lines_per_row = 6;
-
 std::vector<tree_group> groups_of(GtkTreeModel* tree)
 {
     std::vector<tree_group> groups;
@@ -52,7 +50,7 @@ void check_user_tree(check_report& report, const master_view& master, const std:
     const connection_known_fn known = [&](const std::string& name, const std::string& type) {
         return master.contains(name, type);
     };
-    make_connection_tree(tree, path.c_str(), lines_per_row, nullptr, known, &observer);
+    make_connection_tree(tree, path.c_str(), user_lines_per_row, nullptr, known, &observer);
     user_view view{user, file, groups_of(GTK_TREE_MODEL(tree))};
     g_object_unref(tree);
     size_t row = 0;

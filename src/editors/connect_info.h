@@ -3,6 +3,8 @@
 // the editors and the windows they open (printers, server locations) share it.
 #include "store/record.h"
 
+#include <gtk/gtk.h>
+
 #include <array>
 #include <string>
 
@@ -12,3 +14,12 @@ struct connection_info {
 };
 
 extern connection_info connect_info;
+
+// The open editor's option bit follows a check box or radio button: set while it is on.
+inline void follow_toggle(GtkToggleButton* box, unsigned long bit)
+{
+    if (gtk_toggle_button_get_active(box))
+        connect_info.flags |= bit;
+    else
+        connect_info.flags &= ~bit;
+}

@@ -4,7 +4,7 @@
 #include "platform/message.h"
 #include "platform/paths.h"
 #include "shell/globals.h"
-#include "shell/status_monitor.h"
+#include "store/ica_paths.h"
 #include "store/models.h"
 #include "store/save.h"
 #include "store/user_file.h"
@@ -71,7 +71,7 @@ void open_existing(const std::string& type, GtkWidget* parent, GtkTreeModel* mod
 void reload_tree(GtkTreeStore* tree)
 {
     gtk_tree_store_clear(tree);
-    make_connection_tree(tree, current_user_filename.c_str(), 6);
+    make_connection_tree(tree, current_user_filename.c_str(), user_lines_per_row);
 }
 
 gboolean refuse_close(GtkWidget*, GdkEvent*, gpointer) { return TRUE; }
@@ -86,14 +86,7 @@ void chooser_cancel_cb(GtkWidget*, gpointer chooser)
 
 GtkWidget* chooser_buttons(GtkWidget* chooser)
 {
-    GtkWidget* row = gtk_hbutton_box_new();
-    GtkWidget* ok = labelled_button("_Ok", G_CALLBACK(add_connection_cb), chooser);
-    gtk_box_pack_start(GTK_BOX(row), ok, FALSE, FALSE, 0);
-    gtk_box_pack_start(GTK_BOX(row), labelled_button("_Cancel", G_CALLBACK(chooser_cancel_cb), chooser),
-                       FALSE, FALSE, 0);
-    gtk_widget_set_can_default(ok, TRUE);
-    gtk_window_set_default(GTK_WINDOW(chooser), ok);
-    return row;
+    return default_cancel_row(chooser, "_Ok", G_CALLBACK(add_connection_cb), G_CALLBACK(chooser_cancel_cb), chooser);
 }
 
 GtkWidget* chooser_combo()
@@ -128,12 +121,12 @@ bool selected_tree_key(gpointer tree_selection, wizard_key* key)
 bool enough_disk_space()
 {
     struct statvfs fs;
-    return statvfs(root_path("/etc/.kestrel").c_str(), &fs) == 0 && fs.f_bfree > minimum_free_blocks;
+    return statvfs(root_path(config_dir).c_str(), &fs) == 0 && fs.f_bfree > minimum_free_blocks;
 }
 
 bool confirm_change_while_active(GtkWindow* parent)
 {
-    if (!active_connections(GTK_TREE_MODEL(current_user_connection_tree)))
+    if (!current_user_sessions_active())
         return true;
     return ask_yes_no(parent, active_question);
 }

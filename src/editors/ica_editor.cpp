@@ -16,12 +16,9 @@
 #include <vector>
 
 // The shared handler of the flag word's toggles: the bit follows the toggle.
-void ica_toggle_buttons_cb(GtkToggleButton* button, gpointer bit)
+static void ica_toggle_buttons_cb(GtkToggleButton* button, gpointer bit)
 {
-    if (gtk_toggle_button_get_active(button))
-        connect_info.flags |= GPOINTER_TO_UINT(bit);
-    else
-        connect_info.flags &= ~static_cast<unsigned long>(GPOINTER_TO_UINT(bit));
+    follow_toggle(button, GPOINTER_TO_UINT(bit));
 }
 
 namespace {
@@ -86,21 +83,6 @@ struct ica_editor {
     server_location_state* locations;
 };
 
-template <size_t N>
-std::vector<std::string> texts(const char* const (&choices)[N])
-{
-    return {std::begin(choices), std::end(choices)};
-}
-
-template <size_t N>
-std::vector<std::string> texts(const choice_argument (&choices)[N])
-{
-    std::vector<std::string> list;
-    for (const choice_argument& choice : choices)
-        list.emplace_back(choice.text);
-    return list;
-}
-
 GtkWidget* page(GtkWidget* notebook, const char* title) { return notebook_page(notebook, title, page_border); }
 
 void pack(GtkWidget* box, GtkWidget* child, bool grow = false)
@@ -108,10 +90,9 @@ void pack(GtkWidget* box, GtkWidget* child, bool grow = false)
     gtk_box_pack_start(GTK_BOX(box), child, grow, grow, 0);
 }
 
-GtkWidget* limited_entry(const char* name, const char* text = "")
+GtkWidget* named_entry(const char* name, const char* text = "")
 {
-    GtkWidget* entry = name_widget(gtk_entry_new(), name);
-    gtk_entry_set_max_length(GTK_ENTRY(entry), entry_limit);
+    GtkWidget* entry = name_widget(limited_entry(), name);
     gtk_entry_set_text(GTK_ENTRY(entry), text);
     return entry;
 }
@@ -148,7 +129,7 @@ void follow(GtkWidget* toggle, GCallback rule, GtkWidget* other)
 
 const editor_kind ica_kind{"ICA", true, "1494", MC_ICA_MASK, ica_columns};
 
-void ica_server_toggle_editable_cb(GtkToggleButton* server, editor* e)
+static void ica_server_toggle_editable_cb(GtkToggleButton* server, editor* e)
 {
     const bool on = gtk_toggle_button_get_active(server);
     connect_info.flags &= ~static_cast<unsigned long>(ica_server | ica_published_app);
@@ -157,7 +138,7 @@ void ica_server_toggle_editable_cb(GtkToggleButton* server, editor* e)
     gtk_widget_set_sensitive(e->widgets[ICA_WORKDIR], on);
 }
 
-void ica_proxy_toggle_editable_cb(GtkWidget* proxy_combo, GtkWidget* target)
+static void ica_proxy_toggle_editable_cb(GtkWidget* proxy_combo, GtkWidget* target)
 {
     const std::string type = combo_text(proxy_combo);
     if (type.empty())
@@ -185,7 +166,7 @@ void ica_get_published_list(GtkWidget*, ica_editor* b)
 
 // The shared Save row hands over the editor block; columns 6 and 7 come from connect_info,
 // where the Server Location dialog keeps them.
-void ica_ok_button_cb(GtkWidget*, editor* e)
+static void ica_ok_button_cb(GtkWidget*, editor* e)
 {
     connection_record values = editor_values(e);
     values[MC_ICA_LOCATION] = connect_info.text[MC_ICA_LOCATION];
@@ -276,14 +257,14 @@ void window_page(GtkWidget* notebook, editor* e)
     pack(box, wrapped_note("These settings specify how the application window will appear on your desktop."));
     GtkWidget* size = gtk_vbox_new(FALSE, spacing);
     e->widgets[ICA_SEAMLESS] = name_widget(gtk_check_button_new_with_label("Seamless Window"), "seamless");
-    e->widgets[ICA_WINDOW_SIZE] = name_widget(fixed_choice_combo(texts(ica_window_sizes), ica_default), "window-size");
+    e->widgets[ICA_WINDOW_SIZE] = name_widget(fixed_choice_combo(choice_texts(ica_window_sizes), ica_default), "window-size");
     pack(size, e->widgets[ICA_SEAMLESS]);
     pack(size, e->widgets[ICA_WINDOW_SIZE]);
     pack(box, framed("Window Size", size));
 
     GtkWidget* row = gtk_hbox_new(FALSE, spacing);
     std::vector<GtkWidget*> colours, mappings;
-    GtkWidget* colour_box = radio_column(texts(ica_colours), "colours-", &colours);
+    GtkWidget* colour_box = radio_column(choice_texts(ica_colours), "colours-", &colours);
     std::vector<std::string> mapping_labels;
     for (const ica_colour_mapping& mapping : ica_colour_mappings)
         mapping_labels.emplace_back(mapping.text);
@@ -307,22 +288,22 @@ void options_page(GtkWidget* notebook, editor* e)
     e->widgets[ICA_DISK_CACHE] = form_check(table, 1, "Use disk cache for bitmaps", "disk-cache");
     e->widgets[ICA_SOUND] = form_check(table, 2, "Enable sound", "sound");
     e->widgets[ICA_SOUND_QUALITY] = form_fixed_combo(table, 3, "Sound quality:", "sound-quality",
-                                                     texts(ica_sound_qualities), ica_sound_default);
+                                                     choice_texts(ica_sound_qualities), ica_sound_default);
     e->widgets[ICA_MICROPHONE] = form_fixed_combo(table, 4, "Microphone input:", "microphone",
-                                                  texts(ica_audio_inputs), ica_audio_disabled);
+                                                  choice_texts(ica_audio_inputs), ica_audio_disabled);
     e->widgets[ICA_RELIABILITY] = form_check(table, 5, "Enable session reliability", "reliability");
     e->widgets[ICA_RELIABILITY_PORT] = form_entry(table, 6, "Port:", "reliability-port");
     gtk_entry_set_text(GTK_ENTRY(e->widgets[ICA_RELIABILITY_PORT]), ica_session_reliability_port);
     gtk_widget_set_sensitive(e->widgets[ICA_RELIABILITY_PORT], FALSE);
     e->widgets[ICA_SPEEDSCREEN] = form_fixed_combo(table, 7, "SpeedScreen:", "speedscreen",
-                                                   texts(ica_speedscreen_modes), ica_speedscreen_modes[0]);
-    const std::vector<std::string> latency = texts(ica_latency_modes);
+                                                   choice_texts(ica_speedscreen_modes), ica_speedscreen_modes[0]);
+    const std::vector<std::string> latency = choice_texts(ica_latency_modes);
     e->widgets[ICA_MOUSE_FEEDBACK] = form_fixed_combo(table, 8, "Mouse Click Feedback:", "mouse-feedback",
                                                       latency, ica_latency_modes[2].text);
     e->widgets[ICA_TEXT_ECHO] = form_fixed_combo(table, 9, "Local Text Echo:", "text-echo", latency,
                                                  ica_latency_modes[1].text);
     e->widgets[ICA_ENCRYPTION] = form_fixed_combo(table, 10, "Encryption level:", "encryption",
-                                                  texts(ica_encryption_levels), ica_encryption_levels[0]);
+                                                  choice_texts(ica_encryption_levels), ica_encryption_levels[0]);
     pack(page(notebook, "Options"), table);
 }
 
@@ -330,19 +311,19 @@ void firewall_page(GtkWidget* notebook, editor* e)
 {
     GtkWidget* box = page(notebook, "Firewall Settings");
     GtkWidget* proxy = gtk_vbox_new(FALSE, spacing);
-    e->widgets[ICA_PROXY_TYPE] = name_widget(fixed_choice_combo(texts(ica_proxy_types), ica_default), "proxy-type");
+    e->widgets[ICA_PROXY_TYPE] = name_widget(fixed_choice_combo(choice_texts(ica_proxy_types), ica_default), "proxy-type");
     pack(proxy, e->widgets[ICA_PROXY_TYPE]);
     pack(proxy, wrapped_note("NOTE: When using the Secure (HTTPS) setting, enable SSL or 128-bit encryption to "
                      "assure a secure connection."));
-    e->widgets[ICA_PROXY_ADDRESS] = limited_entry("proxy-address");
-    e->widgets[ICA_PROXY_PORT] = limited_entry("proxy-port");
+    e->widgets[ICA_PROXY_ADDRESS] = named_entry("proxy-address");
+    e->widgets[ICA_PROXY_PORT] = named_entry("proxy-port");
     pack(proxy, address_port("Proxy address", e->widgets[ICA_PROXY_ADDRESS], e->widgets[ICA_PROXY_PORT]));
     pack(box, framed("Proxy", proxy));
     e->widgets[ICA_ALTERNATE] = name_widget(gtk_check_button_new_with_label("Use alternate address through firewall"),
                                       "alternate-address");
     pack(box, e->widgets[ICA_ALTERNATE]);
-    e->widgets[ICA_RELAY_ADDRESS] = limited_entry("relay-address");
-    e->widgets[ICA_RELAY_PORT] = limited_entry("relay-port", ica_relay_port);
+    e->widgets[ICA_RELAY_ADDRESS] = named_entry("relay-address");
+    e->widgets[ICA_RELAY_PORT] = named_entry("relay-port", ica_relay_port);
     pack(box, framed("SSL/TLS Relay",
                      address_port("Address of relay", e->widgets[ICA_RELAY_ADDRESS], e->widgets[ICA_RELAY_PORT])));
     for (GtkWidget* target : {e->widgets[ICA_PROXY_ADDRESS], e->widgets[ICA_PROXY_PORT]}) {
@@ -377,7 +358,7 @@ GtkWidget* name_row(editor* e)
 {
     GtkWidget* row = gtk_hbox_new(FALSE, spacing);
     pack(row, gtk_label_new("Name this connection:  "));
-    e->name = limited_entry("name");
+    e->name = named_entry("name");
     gtk_box_pack_start(GTK_BOX(row), e->name, TRUE, TRUE, 0);
     return row;
 }

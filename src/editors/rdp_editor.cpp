@@ -99,18 +99,6 @@ constexpr int window_width = 400;
 constexpr int window_height = 450;
 constexpr int spacing = 6;
 
-std::vector<std::string> texts_of(const auto& choices)
-{
-    std::vector<std::string> texts;
-    for (const auto& choice : choices) {
-        if constexpr (requires { choice.text; })
-            texts.emplace_back(choice.text);
-        else
-            texts.emplace_back(choice);
-    }
-    return texts;
-}
-
 GtkWidget* named_fixed_combo(const char* name, const std::vector<std::string>& choices,
                              const std::string& initial)
 {
@@ -179,8 +167,8 @@ GtkWidget* general_tab(editor* e)
 
 GtkWidget* display_tab(editor* e)
 {
-    e->widgets[RD_SIZE] = named_fixed_combo("size", texts_of(rdp_window_sizes), rdp_use_default);
-    e->widgets[RD_COLOURS] = named_fixed_combo("colors", texts_of(rdp_colours), rdp_use_default);
+    e->widgets[RD_SIZE] = named_fixed_combo("size", choice_texts(rdp_window_sizes), rdp_use_default);
+    e->widgets[RD_COLOURS] = named_fixed_combo("colors", choice_texts(rdp_colours), rdp_use_default);
     GtkWidget* size = column_of({wrapped_note("Choose the size of your remote desktop."), e->widgets[RD_SIZE]});
     GtkWidget* colours = column_of(
         {e->widgets[RD_COLOURS], wrapped_note("Note: Settings on the remote computer might override this setting.")});
@@ -189,7 +177,7 @@ GtkWidget* display_tab(editor* e)
 
 GtkWidget* local_resources_tab(editor* e)
 {
-    const std::vector<std::string> sound = texts_of(rdp_sound);
+    const std::vector<std::string> sound = choice_texts(rdp_sound);
     e->widgets[RD_SOUND] = named_fixed_combo("sound", sound, sound.front());
     e->widgets[RD_KEYBOARD] = named_fixed_combo("keyboard", keyboard_choices(), rdp_use_default);
     // Shown even when the machine has no map of that name.
@@ -221,7 +209,7 @@ GtkWidget* programs_tab(editor* e)
 
 GtkWidget* experience_tab(editor* e)
 {
-    std::vector<std::string> presets = texts_of(rdp_experiences);
+    std::vector<std::string> presets = choice_texts(rdp_experiences);
     presets.emplace_back(rdp_custom_experience);
     e->widgets[RD_EXPERIENCE] = named_fixed_combo("experience", presets, presets.front());
     GtkWidget* table = form_table();
@@ -278,13 +266,7 @@ void connect_handlers(editor* e)
 
 constexpr editor_kind rdp_kind{"RDP", true, "3389", MC_RDP_FLAGS, rd_columns};
 
-void rd_toggle_buttons_cb(GtkToggleButton* box, gpointer bit)
-{
-    if (gtk_toggle_button_get_active(box))
-        connect_info.flags |= GPOINTER_TO_UINT(bit);
-    else
-        connect_info.flags &= ~static_cast<unsigned long>(GPOINTER_TO_UINT(bit));
-}
+void rd_toggle_buttons_cb(GtkToggleButton* box, gpointer bit) { follow_toggle(box, GPOINTER_TO_UINT(bit)); }
 
 void rd_toggle_experience_buttons_cb(GtkToggleButton*, editor* e)
 {

@@ -95,22 +95,22 @@ void flip_drive_flag(global_window* g, const gchar* path, int column)
 
 }  // namespace
 
-void ica_global_drive_enable_cb(GtkCellRendererToggle*, gchar* path, gpointer g)
+static void ica_global_drive_enable_cb(GtkCellRendererToggle*, gchar* path, gpointer g)
 {
     flip_drive_flag(static_cast<global_window*>(g), path, DRIVE_ENABLED);
 }
 
-void ica_global_drive_read_cb(GtkCellRendererToggle*, gchar* path, gpointer g)
+static void ica_global_drive_read_cb(GtkCellRendererToggle*, gchar* path, gpointer g)
 {
     flip_drive_flag(static_cast<global_window*>(g), path, DRIVE_READ);
 }
 
-void ica_global_drive_write_cb(GtkCellRendererToggle*, gchar* path, gpointer g)
+static void ica_global_drive_write_cb(GtkCellRendererToggle*, gchar* path, gpointer g)
 {
     flip_drive_flag(static_cast<global_window*>(g), path, DRIVE_WRITE);
 }
 
-void ica_editable_cb(GtkCellRendererText*, gchar* path, gchar* text, gpointer data)
+static void ica_editable_cb(GtkCellRendererText*, gchar* path, gchar* text, gpointer data)
 {
     auto* g = static_cast<global_window*>(data);
     GtkTreeIter iter;
@@ -119,7 +119,7 @@ void ica_editable_cb(GtkCellRendererText*, gchar* path, gchar* text, gpointer da
 }
 
 // The chooser's answer: the chosen folder becomes the path of the row it was opened for.
-void ica_get_drive_selection_cb(GtkDialog* chooser, gint response, gpointer data)
+static void ica_get_drive_selection_cb(GtkDialog* chooser, gint response, gpointer data)
 {
     auto* g = static_cast<global_window*>(data);
     auto* row = static_cast<const char*>(g_object_get_data(G_OBJECT(chooser), row_key));
@@ -134,7 +134,7 @@ void ica_get_drive_selection_cb(GtkDialog* chooser, gint response, gpointer data
     gtk_widget_destroy(GTK_WIDGET(chooser));
 }
 
-void ica_drive_add_dialog(GtkTreeView*, GtkTreePath* path, GtkTreeViewColumn*, gpointer data)
+static void ica_drive_add_dialog(GtkTreeView*, GtkTreePath* path, GtkTreeViewColumn*, gpointer data)
 {
     auto* g = static_cast<global_window*>(data);
     GtkWidget* chooser = gtk_file_chooser_dialog_new(
@@ -147,7 +147,7 @@ void ica_drive_add_dialog(GtkTreeView*, GtkTreePath* path, GtkTreeViewColumn*, g
 
 // --- COM ports -----------------------------------------------------------------------
 
-void ica_get_com_selection_cb(GtkDialog* chooser, gint response, gpointer data)
+static void ica_get_com_selection_cb(GtkDialog* chooser, gint response, gpointer data)
 {
     auto* g = static_cast<global_window*>(data);
     if (response == GTK_RESPONSE_ACCEPT) {
@@ -163,7 +163,7 @@ void ica_get_com_selection_cb(GtkDialog* chooser, gint response, gpointer data)
     gtk_widget_destroy(GTK_WIDGET(chooser));
 }
 
-void ica_com_add_dialog(GtkWidget*, gpointer data)
+static void ica_com_add_dialog(GtkWidget*, gpointer data)
 {
     auto* g = static_cast<global_window*>(data);
     GtkWidget* chooser = gtk_file_chooser_dialog_new(
@@ -174,7 +174,7 @@ void ica_com_add_dialog(GtkWidget*, gpointer data)
     gtk_widget_show(chooser);
 }
 
-void ica_com_delete_cb(GtkWidget*, gpointer data)
+static void ica_com_delete_cb(GtkWidget*, gpointer data)
 {
     auto* g = static_cast<global_window*>(data);
     GtkTreeIter iter;
@@ -213,12 +213,12 @@ void move_com_device(global_window* g, bool up)
 
 }  // namespace
 
-void ica_com_up_cb(GtkWidget*, gpointer g) { move_com_device(static_cast<global_window*>(g), true); }
-void ica_com_down_cb(GtkWidget*, gpointer g) { move_com_device(static_cast<global_window*>(g), false); }
+static void ica_com_up_cb(GtkWidget*, gpointer g) { move_com_device(static_cast<global_window*>(g), true); }
+static void ica_com_down_cb(GtkWidget*, gpointer g) { move_com_device(static_cast<global_window*>(g), false); }
 
 // --- Writers used by the save --------------------------------------------------------
 
-gboolean ica_global_drive_foreach(GtkTreeModel* model, GtkTreePath*, GtkTreeIter* iter, gpointer data)
+static gboolean ica_global_drive_foreach(GtkTreeModel* model, GtkTreePath*, GtkTreeIter* iter, gpointer data)
 {
     auto* s = static_cast<global_settings*>(data);
     const std::string letter = cell_text(model, iter, DRIVE_LETTER);
@@ -228,7 +228,7 @@ gboolean ica_global_drive_foreach(GtkTreeModel* model, GtkTreePath*, GtkTreeIter
     return FALSE;
 }
 
-gboolean ica_global_com_foreach(GtkTreeModel* model, GtkTreePath*, GtkTreeIter* iter, gpointer data)
+static gboolean ica_global_com_foreach(GtkTreeModel* model, GtkTreePath*, GtkTreeIter* iter, gpointer data)
 {
     auto* s = static_cast<global_settings*>(data);
     s->com_ports.push_back({cell_text(model, iter, COM_PORT), cell_text(model, iter, COM_DEVICE)});
@@ -350,7 +350,7 @@ void global_cancel_cb(GtkWidget*, global_window* g) { gtk_widget_destroy(g->wind
 
 // "_Save": the Server Location page's default group, then the other pages' keys; each
 // is its own rewrite of wfclient.ini.
-void ica_global_save_cb(GtkWidget* button, gpointer data)
+static void ica_global_save_cb(GtkWidget* button, gpointer data)
 {
     auto* g = static_cast<global_window*>(data);
     ica_server_save_cb(button, g->locations);

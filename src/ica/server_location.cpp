@@ -273,13 +273,8 @@ void ica_add_server_dialog(GtkWidget*, server_location_state* s)
     gtk_box_pack_start(GTK_BOX(row), gtk_label_new(":"), FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(row), s->port, FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(column), row, FALSE, FALSE, 0);
-    GtkWidget* buttons = gtk_hbutton_box_new();
-    gtk_button_box_set_layout(GTK_BUTTON_BOX(buttons), GTK_BUTTONBOX_END);
-    gtk_box_pack_start(GTK_BOX(buttons), labelled_button("_Ok", G_CALLBACK(add_window_ok_cb), window),
-                       FALSE, FALSE, 0);
-    gtk_box_pack_start(GTK_BOX(buttons),
-                       labelled_button("_Cancel", G_CALLBACK(add_window_close_cb), window), FALSE,
-                       FALSE, 0);
+    GtkWidget* buttons =
+        default_cancel_row(window, "_Ok", G_CALLBACK(add_window_ok_cb), G_CALLBACK(add_window_close_cb), window);
     gtk_box_pack_start(GTK_BOX(column), buttons, FALSE, FALSE, 0);
     gtk_container_add(GTK_CONTAINER(window), column);
     gtk_widget_show_all(window);

@@ -16,7 +16,6 @@
 
 GtkListStore* keymap_list = nullptr;           // X layouts offered by the XDM editor
 int x11_keymap = 1;                            // the launcher compiles xkb maps unless XFCE's list was used
-std::string x_rules_file;                      // set by make_x_keymap
 GtkListStore* rdesktop_keymap_list = nullptr;  // rdesktop maps offered by the RDP editor
 std::string rdesktop_keymap_dir;               // set by make_rdesktop_keymap
 
@@ -84,17 +83,6 @@ struct keymap_entry {
     std::string description;
 };
 using keymap_entries = std::vector<keymap_entry>;
-
-// A directory opens for reading but holds no lines; it counts as a missing file so
-// that the next source is tried.
-unique_file open_text_file(const std::string& path)
-{
-    unique_file file = open_file(path, "re");
-    struct stat st;
-    if (file && (fstat(fileno(file.get()), &st) != 0 || S_ISDIR(st.st_mode)))
-        file.reset();
-    return file;
-}
 
 bool is_space(char c) { return std::isspace(static_cast<unsigned char>(c)); }
 
@@ -276,7 +264,6 @@ void append_rdesktop_maps(GDir* folder, bool list_opened, const keymap_entries& 
 
 int make_x_keymap()
 {
-    x_rules_file = root_path(xkb_rules_path);
     reset_list(&keymap_list);
     for (const x_keymap_source& source : x_keymap_sources) {
         unique_file file = open_text_file(root_path(source.path));

@@ -16,7 +16,6 @@
 #include <utility>
 
 std::string x_setup_file;   // found at start-up
-std::string x_config_file;  // found at start-up; nothing reads it yet
 
 void find_x_files()
 {
@@ -25,10 +24,6 @@ void find_x_files()
             x_setup_file = root_path(setup);
             break;
         }
-    // The last of them that exists wins.
-    for (const char* config : {"/etc/X11/XF86Config", "/etc/X11/XF86Config-4", "/etc/X11/XOrg.conf"})
-        if (path_exists(root_path(config)))
-            x_config_file = root_path(config);
 }
 
 namespace {

@@ -7,11 +7,10 @@
 #include <string>
 #include <vector>
 
-// The display manager's Xsetup (its keyboard map for "Use Local Settings") and the X
-// server's configuration file; "" when the machine has none. Start-up finds them.
+// The display manager's Xsetup (its keyboard map for "Use Local Settings"); "" when the
+// machine has none. Start-up finds it.
 extern std::string x_setup_file;
-extern std::string x_config_file;
-// Finds them on this machine (under the root prefix).
+// Finds it on this machine (under the root prefix).
 void find_x_files();
 
 // Ends at its first empty element: a column left empty where an argument stands on its

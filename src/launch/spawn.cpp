@@ -5,6 +5,7 @@
 #include "platform/log.h"
 #include "platform/shell_command.h"
 #include "platform/tmp_files.h"
+#include "store/master_index.h"
 #include "store/models.h"
 #include "store/record.h"
 
@@ -234,23 +235,6 @@ int spawn_connection(GtkTreeModel* model, GtkTreeIter* iter)
     }
     mark_active(model, iter, pid);
     return waitpid(pid, nullptr, WNOHANG) == 0 ? -1 : 0;
-}
-
-void spawn_button_cb(GtkWidget*, GtkTreeView* tree_view)
-{
-    GtkTreeModel* model = nullptr;
-    GtkTreeIter iter;
-    if (gtk_tree_selection_get_selected(gtk_tree_view_get_selection(tree_view), &model, &iter))
-        spawn_connection(model, &iter);
-}
-
-// The activated row itself: a row activated from the keyboard need not be selected.
-void spawn_doubleclick_cb(GtkTreeView* tree_view, GtkTreePath* path, GtkTreeViewColumn*, gpointer)
-{
-    GtkTreeModel* model = gtk_tree_view_get_model(tree_view);
-    GtkTreeIter iter;
-    if (gtk_tree_model_get_iter(model, &iter, path))
-        spawn_connection(model, &iter);
 }
 
 pid_t session_process_id(int pid_digits)

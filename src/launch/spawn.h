@@ -13,11 +13,6 @@ inline constexpr int exit_session_over = 69;
 // Marks the row "Active" with the child's process id. Returns 0 when the row was
 // already active (nothing is started), -1 when fork failed or the child still runs.
 int spawn_connection(GtkTreeModel* model, GtkTreeIter* iter);
-// The Connect button: starts the selected row of tree_view, if any.
-void spawn_button_cb(GtkWidget* button, GtkTreeView* tree_view);
-// The tree view's "row-activated" handler: as the Connect button.
-void spawn_doubleclick_cb(GtkTreeView* tree_view, GtkTreePath* path, GtkTreeViewColumn* column,
-                          gpointer data);
 
 // The full process id of the running session child whose id ends in the five digits
 // kept in the tree; the digits themselves when no such child is known.

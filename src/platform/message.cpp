@@ -40,3 +40,9 @@ void show_error(const std::string& text)
     set_error_text(text);
     run_error_dialog();
 }
+
+void run_reconnect_dialog()
+{
+    if (handlers().prompt)
+        handlers().prompt();
+}

@@ -1,5 +1,7 @@
 #include "platform/shell_command.h"
 
+#include "platform/paths.h"
+
 #include <cstdio>
 #include <cstdlib>
 #include <glib.h>
@@ -17,4 +19,9 @@ std::string shell_quote(const std::string& text)
     std::string word = quoted;
     g_free(quoted);
     return word;
+}
+
+bool make_missing_directory(const std::string& dir)
+{
+    return is_directory(dir) || run_shell_command("mkdir " + shell_quote(dir)) == 0;
 }

@@ -4,7 +4,6 @@
 #include "platform/shell_command.h"
 #include "platform/tmp_files.h"
 #include "shell/globals.h"
-#include "shell/status_monitor.h"
 #include "store/models.h"
 #include "ui/widgets.h"
 
@@ -15,6 +14,7 @@
 #include <fcntl.h>
 #include <string>
 #include <unistd.h>
+#include <vector>
 
 namespace {
 
@@ -65,8 +65,6 @@ void warn_active_sessions(GtkWindow* parent)
     warning_open = false;
 }
 
-bool sessions_active() { return active_connections(GTK_TREE_MODEL(current_user_connection_tree)); }
-
 // Signals are answered from the main loop itself; while a modal dialog runs its own
 // loop (or start-up has not reached the main loop yet) they wait, so that leaving
 // never pulls state from under a dialog that is still open.
@@ -103,9 +101,8 @@ gboolean drain_signal_pipe(GIOChannel*, GIOCondition, gpointer)
 
 void choose_cb(GtkWidget* button, gpointer window)
 {
-    GtkComboBox* choice = GTK_COMBO_BOX(g_object_get_data(G_OBJECT(window), choice_key));
-    GtkWidget* entry = gtk_bin_get_child(GTK_BIN(choice));
-    std::string text = gtk_entry_get_text(GTK_ENTRY(entry));
+    GtkWidget* choice = GTK_WIDGET(g_object_get_data(G_OBJECT(window), choice_key));
+    const std::string text = combo_text(choice);
     shutdown_dialog_cb(button, text.c_str());
     gtk_widget_destroy(GTK_WIDGET(window));
 }
@@ -114,31 +111,19 @@ void cancel_cb(GtkWidget*, gpointer window) { gtk_widget_destroy(GTK_WIDGET(wind
 
 GtkWidget* make_choice()
 {
-    GtkWidget* choice = gtk_combo_box_text_new_with_entry();
-    gtk_combo_box_text_append_text(GTK_COMBO_BOX_TEXT(choice), quit_choice);
+    std::vector<std::string> choices{quit_choice};
     if (allow_turnoff)
-        gtk_combo_box_text_append_text(GTK_COMBO_BOX_TEXT(choice), turnoff_choice);
+        choices.emplace_back(turnoff_choice);
     if (allow_reboot)
-        gtk_combo_box_text_append_text(GTK_COMBO_BOX_TEXT(choice), reboot_choice);
-    gtk_combo_box_set_active(GTK_COMBO_BOX(choice), 0);
-    GtkWidget* entry = gtk_bin_get_child(GTK_BIN(choice));
-    gtk_editable_set_editable(GTK_EDITABLE(entry), FALSE);
-    gtk_entry_set_activates_default(GTK_ENTRY(entry), TRUE);
+        choices.emplace_back(reboot_choice);
+    GtkWidget* choice = fixed_choice_combo(choices, quit_choice);
+    gtk_entry_set_activates_default(GTK_ENTRY(gtk_bin_get_child(GTK_BIN(choice))), TRUE);
     return choice;
 }
 
 GtkWidget* make_end_session_buttons(GtkWidget* window)
 {
-    GtkWidget* buttons = gtk_hbutton_box_new();
-    GtkWidget* ok = gtk_button_new_with_mnemonic("_Ok");
-    GtkWidget* cancel = gtk_button_new_with_mnemonic("_Cancel");
-    gtk_box_pack_start(GTK_BOX(buttons), ok, FALSE, FALSE, 0);
-    gtk_box_pack_start(GTK_BOX(buttons), cancel, FALSE, FALSE, 0);
-    g_signal_connect(ok, "clicked", G_CALLBACK(choose_cb), window);
-    g_signal_connect(cancel, "clicked", G_CALLBACK(cancel_cb), window);
-    gtk_widget_set_can_default(ok, TRUE);
-    gtk_window_set_default(GTK_WINDOW(window), ok);
-    return buttons;
+    return default_cancel_row(window, "_Ok", G_CALLBACK(choose_cb), G_CALLBACK(cancel_cb), window);
 }
 
 void open_end_session(GtkWidget* parent)
@@ -173,7 +158,7 @@ void clean_up_and_quit()
 
 gboolean exit_program()
 {
-    if (sessions_active())
+    if (current_user_sessions_active())
         warn_active_sessions(root_window ? GTK_WINDOW(root_window) : nullptr);
     else
         clean_up_and_quit();
@@ -182,7 +167,7 @@ gboolean exit_program()
 
 void shutdown_dialog(GtkWidget*, gpointer parent)
 {
-    if (sessions_active())
+    if (current_user_sessions_active())
         warn_active_sessions(nullptr);
     else
         open_end_session(parent ? GTK_WIDGET(parent) : root_window);

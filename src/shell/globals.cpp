@@ -14,7 +14,6 @@ int use_instance_file = 0;
 std::string instance_file;
 std::string current_user_name;
 std::string selected_user_name;
-std::string home_dir;
 
 GtkWidget** misc_widgets = nullptr;
 

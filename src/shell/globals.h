@@ -21,7 +21,6 @@ extern int use_instance_file;  // /bin/busybox exists: the instance guard uses a
 extern std::string instance_file;          // tmp_dir + "/running"
 extern std::string current_user_name;      // the running user's login name
 extern std::string selected_user_name;     // the user being administered
-extern std::string home_dir;               // the toolkit's idea of the home directory
 
 extern GtkWidget** misc_widgets;    // three references; element 0 is the window editors hide
 

@@ -5,28 +5,25 @@
 #include "platform/text.h"
 #include "platform/paths.h"
 #include "platform/shell_command.h"
+#include "shell/dialogs.h"
 #include "shell/exit.h"
 #include "shell/globals.h"
 #include "shell/help.h"
+#include "shell/name_column.h"
 #include "store/models.h"
 #include "store/record.h"
 #include "ui/widgets.h"
 
-#include <algorithm>
 #include <string>
 
 namespace {
 
 constexpr const char* product_name = "Kestrelle";
-constexpr const char* initial_error_text = "\nWarning dialogs are enabled.\n";
-constexpr const char* reconnect_text = "\nPlease close this dialog when you're ready to connect.\n";
 constexpr const char* control_panels[] = {"/usr/bin/zarvocontrolpanel", "/usr/bin/xfce-setting-show"};
 constexpr int window_border = 10;
 constexpr int button_spacing = 10;
 // The Name column's least width; it grows to the widest name.
 constexpr int name_min_width = 290;
-// The room a tree view gives an expander arrow beyond the style's expander size.
-constexpr int expander_padding = 4;
 // Tall enough for about ten connections before the list scrolls.
 constexpr int window_height = 320;
 
@@ -34,50 +31,6 @@ constexpr int window_height = 320;
 constexpr const char* tree_view_key = "kestrelle-tree-view";
 constexpr const char* button_column_key = "kestrelle-buttons";
 constexpr const char* help_button_key = "kestrelle-help-button";
-
-// The error dialog's text; the dialog itself is made when it is first shown.
-std::string error_text;
-
-// The error and reconnect dialogs: modal, no parent, one close button; any response
-// hides them, for they live for the whole run once made.
-GtkWidget* make_shared_dialog(GtkWidget** label, const char* text)
-{
-    GtkWidget* dialog = gtk_dialog_new_with_buttons(product_name, nullptr, GTK_DIALOG_MODAL,
-                                                    GTK_STOCK_CLOSE, GTK_RESPONSE_CLOSE, nullptr);
-    gtk_window_set_position(GTK_WINDOW(dialog), GTK_WIN_POS_CENTER);
-    gtk_window_set_icon(GTK_WINDOW(dialog), program_icon());
-    *label = gtk_label_new(text);
-    gtk_label_set_justify(GTK_LABEL(*label), GTK_JUSTIFY_CENTER);
-    gtk_label_set_line_wrap(GTK_LABEL(*label), TRUE);
-    gtk_box_pack_start(GTK_BOX(GTK_DIALOG(dialog)->vbox), *label, TRUE, TRUE, 0);
-    g_signal_connect(*label, "destroy", G_CALLBACK(gtk_widget_destroyed), label);
-    g_signal_connect(dialog, "response", G_CALLBACK(gtk_widget_hide), nullptr);
-    g_signal_connect(dialog, "delete-event", G_CALLBACK(gtk_widget_hide_on_delete), nullptr);
-    return dialog;
-}
-
-// Both dialogs are made on first use: most runs never show them, and making them is a
-// noticeable part of start-up.
-void run_shared_dialog(GtkWidget** dialog, GtkWidget** label, const char* text)
-{
-    if (!*dialog) {
-        *dialog = make_shared_dialog(label, text);
-        g_signal_connect(*dialog, "destroy", G_CALLBACK(gtk_widget_destroyed), dialog);
-    }
-    gtk_widget_show_all(*dialog);
-    gtk_dialog_run(GTK_DIALOG(*dialog));
-    if (*dialog)
-        gtk_widget_hide(*dialog);
-}
-
-void set_error_label(const std::string& text)
-{
-    error_text = text;
-    if (error_label)
-        gtk_label_set_text(GTK_LABEL(error_label), shown_text(text).c_str());
-}
-
-void run_error_dialog_window() { run_shared_dialog(&error_dialog, &error_label, shown_text(error_text).c_str()); }
 
 GtkTreeView* connection_view()
 {
@@ -161,114 +114,6 @@ void add_buttons(GtkWidget* view)
     g_object_set_data(G_OBJECT(root_window), help_button_key, help);
 }
 
-// Measures names the way the Name column's text cell does, with one text layout for
-// all of them: creating a cell's layout for every row would cost more than the text. As
-// a column sized to its contents, the column then holds the widest name seen so far
-// with the expanders' room of the deepest row.
-class name_measure {
-public:
-    explicit name_measure(GtkTreeView* view)
-        : column_(gtk_tree_view_get_column(view, 0)),
-          layout_(gtk_widget_create_pango_layout(GTK_WIDGET(view), nullptr))
-    {
-        gint xpad = 0;
-        if (GList* cells = gtk_cell_layout_get_cells(GTK_CELL_LAYOUT(column_))) {
-            gtk_cell_renderer_get_padding(GTK_CELL_RENDERER(cells->data), &xpad, nullptr);
-            g_list_free(cells);
-        }
-        gint focus_line = 0;
-        gint separator = 0;
-        gint expander = 0;
-        gtk_widget_style_get(GTK_WIDGET(view), "focus-line-width", &focus_line, "horizontal-separator",
-                             &separator, "expander-size", &expander, nullptr);
-        // Around the text: the cell's padding and focus line, and the column's separator.
-        room_ = 2 * xpad + 2 * focus_line + separator;
-        // The name column carries the expanders: an arrow's room on every level, and the
-        // indentation of the levels below the first.
-        indentation_ = gtk_tree_view_get_level_indentation(view);
-        expander_ = gtk_tree_view_get_show_expanders(view) ? expander + expander_padding : 0;
-    }
-    ~name_measure() { g_object_unref(layout_); }
-    name_measure(const name_measure&) = delete;
-    name_measure& operator=(const name_measure&) = delete;
-
-    // Takes in a row's name and depth; widens the column when they need more room.
-    void fit(GtkTreeModel* model, GtkTreeIter* iter, int depth)
-    {
-        gchar* name = nullptr;
-        gtk_tree_model_get(model, iter, TC_NAME, &name, -1);
-        pango_layout_set_text(layout_, shown_text(name ? name : "").c_str(), -1);
-        g_free(name);
-        PangoRectangle text;
-        pango_layout_get_pixel_extents(layout_, nullptr, &text);
-        widest_ = std::max(widest_, text.x + text.width);
-        deepest_ = std::max(deepest_, depth);
-        const int width = widest_ + room_ + (deepest_ - 1) * indentation_ + deepest_ * expander_;
-        if (width > gtk_tree_view_column_get_fixed_width(column_))
-            gtk_tree_view_column_set_fixed_width(column_, width);
-    }
-
-private:
-    GtkTreeViewColumn* column_;
-    PangoLayout* layout_;
-    int room_ = 0;
-    int indentation_ = 0;
-    int expander_ = 0;
-    int widest_ = 0;
-    int deepest_ = 1;
-};
-
-constexpr const char* name_measure_key = "kestrelle-name-measure";
-
-name_measure& measure_of(GtkTreeView* view)
-{
-    auto* measure = static_cast<name_measure*>(g_object_get_data(G_OBJECT(view), name_measure_key));
-    if (!measure) {
-        measure = new name_measure(view);
-        g_object_set_data_full(G_OBJECT(view), name_measure_key, measure,
-                               [](gpointer data) { delete static_cast<name_measure*>(data); });
-    }
-    return *measure;
-}
-
-gboolean widen_for_row_cb(GtkTreeModel* model, GtkTreePath* path, GtkTreeIter* iter, gpointer view)
-{
-    measure_of(GTK_TREE_VIEW(view)).fit(model, iter, gtk_tree_path_get_depth(path));
-    return FALSE;
-}
-
-gboolean widen_for_all_rows_cb(gpointer view)
-{
-    if (GtkTreeModel* model = gtk_tree_view_get_model(GTK_TREE_VIEW(view)))
-        gtk_tree_model_foreach(model, widen_for_row_cb, view);
-    return FALSE;
-}
-
-void view_mapped_cb(GtkWidget* view, gpointer)
-{
-    g_idle_add_full(G_PRIORITY_DEFAULT_IDLE, widen_for_all_rows_cb, g_object_ref(view), g_object_unref);
-}
-
-void row_changed_cb(GtkTreeModel* model, GtkTreePath* path, GtkTreeIter* iter, gpointer view)
-{
-    if (gtk_widget_get_mapped(GTK_WIDGET(view)))
-        widen_for_row_cb(model, path, iter, view);
-}
-
-// Every row is one line of text, so the list takes the first row's height for all rows
-// and its columns have set widths: nothing is measured row by row before the window
-// maps. A name wider than the Name column's minimum still shows whole: once the list is
-// mapped, and for every row added or changed later, the column widens to the widest
-// name, as a column sized to its contents would.
-void fit_name_column(GtkTreeView* view)
-{
-    gtk_tree_view_set_fixed_height_mode(view, TRUE);
-    g_signal_connect(view, "map", G_CALLBACK(view_mapped_cb), nullptr);
-    if (GtkTreeModel* model = gtk_tree_view_get_model(view))
-        for (const char* signal : {"row-inserted", "row-changed"})
-            g_signal_connect_object(model, signal, G_CALLBACK(row_changed_cb), view, GConnectFlags(0));
-}
-
 }  // namespace
 
 void build_main_window()
@@ -287,8 +132,7 @@ void build_main_window()
     gtk_box_pack_end(GTK_BOX(row), buttons, FALSE, FALSE, 0);
     g_object_set_data(G_OBJECT(root_window), button_column_key, buttons);
 
-    error_text = initial_error_text;
-    set_message_handlers({set_error_label, run_error_dialog_window});
+    install_shared_dialogs();
 }
 
 void finish_main_window()
@@ -327,8 +171,6 @@ void expand_connection_group(GtkTreeStore* tree, GtkTreeIter* primary)
 // expands them again.
 void show_main_window() { gtk_widget_show_all(root_window); }
 
-void run_reconnect_dialog() { run_shared_dialog(&reconnect_dialog, &reconnect_label, reconnect_text); }
-
 void make_user_renderer(GtkTreeView* view)
 {
     struct column_shape {
@@ -366,6 +208,23 @@ void system_cb(GtkWidget*, gpointer)
             return;
         }
     }
+}
+
+void spawn_button_cb(GtkWidget*, GtkTreeView* tree_view)
+{
+    GtkTreeModel* model = nullptr;
+    GtkTreeIter iter;
+    if (gtk_tree_selection_get_selected(gtk_tree_view_get_selection(tree_view), &model, &iter))
+        spawn_connection(model, &iter);
+}
+
+// The activated row itself: a row activated from the keyboard need not be selected.
+void spawn_doubleclick_cb(GtkTreeView* tree_view, GtkTreePath* path, GtkTreeViewColumn*, gpointer)
+{
+    GtkTreeModel* model = gtk_tree_view_get_model(tree_view);
+    GtkTreeIter iter;
+    if (gtk_tree_model_get_iter(model, &iter, path))
+        spawn_connection(model, &iter);
 }
 
 gboolean root_window_delete_event(GtkWidget* window, GdkEvent*, gpointer)

@@ -1,6 +1,5 @@
 #pragma once
-// The main window with the current user's connection list and its buttons, the help
-// window, and the two shared modal dialogs (error and reconnect prompt).
+// The main window with the current user's connection list and its buttons.
 #include <gtk/gtk.h>
 
 // Builds root_window and routes the program's messages to the error dialog, which, like
@@ -16,13 +15,16 @@ void add_advanced_button(GCallback handler);
 void expand_connection_group(GtkTreeStore* tree, GtkTreeIter* primary);
 // Shows the main window with every row expanded.
 void show_main_window();
-// Shows the reconnect prompt and waits until the user closes it.
-void run_reconnect_dialog();
 
 // Columns "Name", "Type" and "Status" of a user connection tree view.
 void make_user_renderer(GtkTreeView* view);
 // Settings: starts the control panel in the background, if one is installed.
 void system_cb(GtkWidget* button, gpointer data);
+// The Connect button: starts the selected row of tree_view, if any.
+void spawn_button_cb(GtkWidget* button, GtkTreeView* tree_view);
+// The list's "row-activated" handler: as the Connect button, for the activated row.
+void spawn_doubleclick_cb(GtkTreeView* tree_view, GtkTreePath* path, GtkTreeViewColumn* column,
+                          gpointer data);
 // Shell mode close handler: opens "End Session" and keeps the window.
 gboolean root_window_delete_event(GtkWidget* window, GdkEvent* event, gpointer data);
 // Users without administration rights may not close the window through the window manager.

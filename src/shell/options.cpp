@@ -45,16 +45,9 @@ bool contains(const std::string& text, const char* part)
 
 const char* true_false(int flag) { return flag ? "TRUE" : "FALSE"; }
 
-// A directory opens for reading but holds no lines; it counts as no options file, so
-// that saving cannot replace the settings by the two keys alone.
-unique_file open_options_for_reading()
-{
-    unique_file file = open_file(root_path(options_file), "re");
-    struct stat st;
-    if (file && (fstat(fileno(file.get()), &st) != 0 || S_ISDIR(st.st_mode)))
-        return nullptr;
-    return file;
-}
+// A directory counts as no options file, so that saving cannot replace the settings by
+// the two keys alone.
+unique_file open_options_for_reading() { return open_text_file(root_path(options_file)); }
 
 void apply_options_line(const std::string& line)
 {

@@ -1,8 +1,8 @@
 #include "shell/status_monitor.h"
 
 #include "launch/spawn.h"
+#include "platform/message.h"
 #include "shell/globals.h"
-#include "shell/main_window.h"
 #include "store/models.h"
 #include "store/record.h"
 
@@ -170,20 +170,4 @@ gboolean check_connection_status(GtkTreeModel* model, GtkTreePath* path, GtkTree
     mark_not_connected(model, iter);
     restart_after_end(model, iter, polls, poll);
     return FALSE;
-}
-
-gboolean active_connections_foreach(GtkTreeModel* model, GtkTreePath*, GtkTreeIter* iter,
-                                    gpointer found)
-{
-    if (model_text(model, iter, TC_PID) == no_process)
-        return FALSE;
-    *static_cast<gboolean*>(found) = TRUE;
-    return TRUE;
-}
-
-gboolean active_connections(GtkTreeModel* model)
-{
-    gboolean found = FALSE;
-    gtk_tree_model_foreach(model, active_connections_foreach, &found);
-    return found;
 }

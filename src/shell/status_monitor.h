@@ -9,11 +9,6 @@ gboolean update_status(gpointer data);
 // null, or update_status's record of the rows it started, which the walk passes over.
 gboolean check_connection_status(GtkTreeModel* model, GtkTreePath* path, GtkTreeIter* iter,
                                  gpointer data);
-// TRUE when any row, primary or secondary, has a running session.
-gboolean active_connections(GtkTreeModel* model);
-// The walk of active_connections: stops (TRUE) at the first row with a process id.
-gboolean active_connections_foreach(GtkTreeModel* model, GtkTreePath* path, GtkTreeIter* iter,
-                                    gpointer found);
 
 // What a row whose session has ended looks like to the restart rules.
 struct ended_row {

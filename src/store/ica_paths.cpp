@@ -1,5 +1,5 @@
 #include "store/ica_paths.h"
 
-std::string ica_dir = "/etc/.kestrel";
-std::string wfclient_file = "/etc/.kestrel/wfclient.ini";
+std::string ica_dir = config_dir;
+std::string wfclient_file = ica_dir + "/wfclient.ini";
 std::string ica_root;

@@ -3,6 +3,9 @@
 // appsrv.ini and wfclient.ini that this program writes. Start-up sets them.
 #include <string>
 
-extern std::string ica_dir;        // "/etc/.kestrel", root prefix applied
+// The program's configuration folder: the master list, appsrv.ini, wfclient.ini, help.
+inline constexpr const char* config_dir = "/etc/.kestrel";
+
+extern std::string ica_dir;        // config_dir, root prefix applied
 extern std::string wfclient_file;  // ica_dir + "/wfclient.ini"
 extern std::string ica_root;       // the Citrix client's installation directory

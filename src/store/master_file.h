@@ -1,6 +1,7 @@
 #pragma once
 // The master connection list file: a four-line header, then 35 lines per connection.
 #include "platform/line_reader.h"
+#include "store/master_index.h"
 #include "store/record.h"
 
 #include <cstdio>
@@ -11,10 +12,11 @@
 #include <vector>
 
 inline constexpr const char* master_file_path = "/etc/.kestrel/kestrel.master";
+inline constexpr int master_lines_per_record = 35;  // lines of one connection in the file
 
 // Loads the file at path into store, keeping the rows sorted by name without regard
 // to case, and sets show_gui by its header or tells of a wrong version (nothing is
-// loaded then). Callers pass 35 lines per record.
+// loaded then). Callers pass master_lines_per_record.
 void make_connection_list(GtkListStore* store, const char* path, int lines_per_record);
 
 // The two halves of make_connection_list. The first touches nothing but store (so that

@@ -7,6 +7,7 @@
 #include "platform/tmp_files.h"
 #include "platform/users.h"
 #include "platform/whole_file.h"
+#include "store/master_index.h"
 #include "store/models.h"
 
 #include <algorithm>
@@ -21,7 +22,6 @@ namespace {
 
 constexpr const char* true_text = "TRUE";
 constexpr const char* false_text = "FALSE";
-constexpr int current_lines_per_row = 6;
 
 // A flag line: anything but "TRUE" (a hand-edited or truncated file) counts as FALSE,
 // so that nobody's session is started or kept alive without having been flagged.
@@ -40,7 +40,7 @@ tree_row read_row(line_reader& reader, int lines_per_row)
     row.primary = flag_line(reader);
     const int first_line = reader.line_number();
     bool cut_short = false;
-    int last = std::min(lines_per_row, current_lines_per_row) - 1;
+    int last = std::min(lines_per_row, user_lines_per_row) - 1;
     for (int c = 1; c <= last; ++c) {
         // A row cut short by the end of the file keeps what the buffer held.
         if (!reader.read_chopped() && !cut_short) {
@@ -285,5 +285,5 @@ void save_user_connections(GtkTreeModel* tree, const std::string& user_name)
     }
     gtk_tree_store_clear(current_user_connection_tree);
     make_connection_tree(current_user_connection_tree, current_user_filename.c_str(),
-                         current_lines_per_row);
+                         user_lines_per_row);
 }

@@ -8,6 +8,7 @@
 #include <string>
 
 inline constexpr const char* user_file_name = "/kestrel.inf";
+inline constexpr int user_lines_per_row = 6;  // lines of one row in the file
 
 // Appends the rows of the file at path to tree, keeping only rows that name a
 // connection of the master list. Only a regular file is read, never through a link, so

@@ -29,14 +29,14 @@ GtkWidget* labelled_row(GtkWidget* table, int row, const char* label, GtkWidget*
     return control;
 }
 
+}  // namespace
+
 GtkWidget* limited_entry(int max)
 {
     GtkWidget* entry = gtk_entry_new();
     gtk_entry_set_max_length(GTK_ENTRY(entry), max);
     return entry;
 }
-
-}  // namespace
 
 GtkWidget* name_widget(GtkWidget* widget, const char* name)
 {

@@ -30,6 +30,8 @@ GtkWidget* form_check_entry(GtkWidget* table, int row, const char* label, const 
                             GtkWidget** entry, const char* entry_name, const char* initial = "");
 // A check box across the whole row.
 GtkWidget* form_check(GtkWidget* table, int row, const char* label, const char* name);
+// An entry that takes at most max characters.
+GtkWidget* limited_entry(int max = entry_limit);
 // A framed box holding child, titled title.
 GtkWidget* framed(const char* title, GtkWidget* child);
 

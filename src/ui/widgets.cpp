@@ -241,17 +241,23 @@ GtkWidget* labelled_button(const char* label, GCallback handler, gpointer data)
     return button;
 }
 
-GtkWidget* save_cancel_row(GtkWidget* window, GCallback save, GCallback cancel, gpointer data)
+GtkWidget* default_cancel_row(GtkWidget* window, const char* first_label, GCallback first,
+                              GCallback cancel, gpointer data)
 {
     GtkWidget* row = gtk_hbutton_box_new();
     gtk_button_box_set_layout(GTK_BUTTON_BOX(row), GTK_BUTTONBOX_END);
     gtk_box_set_spacing(GTK_BOX(row), row_spacing);
-    GtkWidget* save_button = labelled_button("_Save", save, data);
-    gtk_box_pack_start(GTK_BOX(row), save_button, FALSE, FALSE, 0);
+    GtkWidget* first_button = labelled_button(first_label, first, data);
+    gtk_box_pack_start(GTK_BOX(row), first_button, FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(row), labelled_button("_Cancel", cancel, data), FALSE, FALSE, 0);
-    gtk_widget_set_can_default(save_button, TRUE);
-    gtk_window_set_default(GTK_WINDOW(window), save_button);
+    gtk_widget_set_can_default(first_button, TRUE);
+    gtk_window_set_default(GTK_WINDOW(window), first_button);
     return row;
+}
+
+GtkWidget* save_cancel_row(GtkWidget* window, GCallback save, GCallback cancel, gpointer data)
+{
+    return default_cancel_row(window, "_Save", save, cancel, data);
 }
 
 bool ask_yes_no(GtkWindow* parent, const std::string& question)

@@ -54,10 +54,27 @@ GtkWidget* wrapped_note(const char* text);
 // A new page of notebook titled title: a column with border around it.
 GtkWidget* notebook_page(GtkWidget* notebook, const char* title, int border);
 
+// The texts of a closed list of choices (plain texts, or entries with a text) for a
+// drop-down.
+std::vector<std::string> choice_texts(const auto& choices)
+{
+    std::vector<std::string> texts;
+    for (const auto& choice : choices) {
+        if constexpr (requires { choice.text; })
+            texts.emplace_back(choice.text);
+        else
+            texts.emplace_back(choice);
+    }
+    return texts;
+}
+
 // A button with a mnemonic label; clicked calls handler with data.
 GtkWidget* labelled_button(const char* label, GCallback handler, gpointer data);
-// A row of buttons at the end of a window: "_Save" (the default button) then
-// "_Cancel", with their handlers.
+// A row of buttons at the end of a window: the one labelled first_label (the default
+// button) then "_Cancel", with their handlers.
+GtkWidget* default_cancel_row(GtkWidget* window, const char* first_label, GCallback first,
+                              GCallback cancel, gpointer data);
+// default_cancel_row with "_Save".
 GtkWidget* save_cancel_row(GtkWidget* window, GCallback save, GCallback cancel, gpointer data);
 
 // A modal Yes/No question; true only for Yes (No and closing the box are false).

@@ -1,6 +1,7 @@
 // Saves on file systems that fill up half-way. /etc/.kestrel and /tmp/.kestrel (or /etc
 // and /tmp for the options file) are small tmpfs mounts of many sizes, in a private
 // mount namespace of a child process; the child reports each outcome on a pipe.
+#include "editors/connections.h"
 #include "ica/wfclient.h"
 #include "platform/tmp_files.h"
 #include "shell/globals.h"
@@ -21,6 +22,7 @@
 #include <sstream>
 #include <string>
 #include <sys/mount.h>
+#include <sys/statvfs.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -309,6 +311,34 @@ TEST(full_disk, wfclient_copy_back_is_whole_or_nothing)
     EXPECT_NE(report.find("new ok"), std::string::npos) << report;
     EXPECT_NE(report.find("kept ok"), std::string::npos) << report;
     EXPECT_EQ(report.find("BROKEN"), std::string::npos) << report;
+}
+
+// Adding a connection needs more than 4 free blocks where the master list lives:
+// exactly 4 is refused, 5 let through.
+TEST(full_disk, adding_needs_more_than_four_free_blocks)
+{
+    temp_dir work;
+    std::string report;
+    const bool ran = in_private_mounts([&](std::ostream& out) {
+        const std::string dir = work / "etc/.kestrel";
+        if (!mount_tmpfs(dir, 64))
+            _exit(2);
+        setenv("KESTRELLE_ROOT", work.path().c_str(), 1);
+        struct statvfs fs;
+        statvfs(dir.c_str(), &fs);
+        const std::string filler = dir + "/filler";
+        for (unsigned long free_blocks : {4ul, 5ul}) {
+            write_file(filler, std::string((fs.f_bfree - free_blocks) * fs.f_bsize, 'f'));
+            struct statvfs now;
+            statvfs(dir.c_str(), &now);
+            out << now.f_bfree << " free: " << (enough_disk_space() ? "let through" : "refused") << "\n";
+        }
+        umount(dir.c_str());
+    }, &report);
+    if (!ran && not_allowed(report))
+        GTEST_SKIP() << report;
+    ASSERT_TRUE(ran) << report;
+    EXPECT_EQ(report, "4 free: refused\n5 free: let through\n");
 }
 
 }  // namespace

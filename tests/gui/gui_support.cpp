@@ -310,14 +310,6 @@ void screenshot_pages(GtkWidget* window, const char* notebook, const std::string
     }
 }
 
-std::string choices(GtkWidget* window, const char* name)
-{
-    GtkWidget* widget = named(window, name);
-    return dump_model(GTK_IS_COMBO_BOX(widget) ? gtk_combo_box_get_model(GTK_COMBO_BOX(widget))
-                                               : gtk_tree_view_get_model(GTK_TREE_VIEW(widget)),
-                      {0});
-}
-
 std::string shown_values(GtkWidget* window)
 {
     texts shown;

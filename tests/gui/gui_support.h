@@ -95,8 +95,6 @@ void click(GtkWidget* window, const char* label);
 void select_row(GtkWidget* window, const char* view, const char* path);
 // Saves a screenshot of every page of the named notebook, as prefix1.png, prefix2.png...
 void screenshot_pages(GtkWidget* window, const char* notebook, const std::string& prefix);
-// Column 0 of every row of the named combo or tree view, a line each.
-std::string choices(GtkWidget* window, const char* name);
 
 // What the named controls of a window show, sorted and joined by "; ": "name=text" for
 // every entry or combo with a text, and the name alone for every toggle that is on.

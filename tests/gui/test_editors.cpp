@@ -116,29 +116,6 @@ TEST_F(admin_test, new_connections_are_saved_with_the_editors_defaults)
     EXPECT_TRUE(messages->shown.empty());
 }
 
-// The hosts offered are those of the XDM rows, each once whatever its case, descending;
-// how each stored mode shows is in the round trip of test_editors.
-TEST_F(admin_test, xdm_editor_query_modes_and_the_host_field)
-{
-    std::string rows;
-    for (const auto& [type, host] : {std::pair{"XDM", "b"}, {"XDM", "A"}, {"XDM", "a"}, {"RDP", "zz"}})
-        rows += master_record(std::string(type) + host, type, false, "0", {{5, host}});
-    load(master_text(rows));
-    GtkWidget* w = open(xdm_dialog, "XDM connection");
-    EXPECT_EQ(choices(w, "host"), "b\nA\n");
-    save_screenshot(w, "xdm_Indirect");
-    type_text(w, "host", "lab");
-    set_box(w, "Broadcast", true);
-    EXPECT_EQ(text_of(w, "host"), "");
-    EXPECT_FALSE(sensitive(w, "host"));
-    set_box(w, "Direct", true);
-    EXPECT_TRUE(sensitive(w, "host"));
-    set_box(w, "Broadcast", true);
-    type_text(w, "name", "Lab");
-    click(w, "_Save");
-    EXPECT_EQ(master_row("Lab", "XDM")[MC_XDM_MODE], "Broadcast");
-}
-
 class rdp_editor_test : public admin_test {
 protected:
     GtkWidget* open_rdp(const std::string& name = "") { return open(rd_dialog, "rdesktop connection", name, "RDP"); }
@@ -188,52 +165,6 @@ TEST_F(rdp_editor_test, presets_set_the_boxes_and_the_boxes_name_the_preset)
     type_text(w, "name", "Fast");
     click(w, "_Save");
     EXPECT_EQ(master_row("Fast", "RDP")[MC_RDP_FLAGS], "05056");  // compression and all four
-}
-
-TEST_F(rdp_editor_test, printer_window_reads_printcap_and_fills_the_entry)
-{
-    GtkWidget* w = open_rdp();
-    set_box(w, "printers", true);
-    EXPECT_EQ(messages->shown, texts{"\nCouldn't open printcaps.\n"});
-    EXPECT_TRUE(box_on(w, "printers"));
-    set_box(w, "printers", false);
-
-    write_file(root / "etc/printcap",
-               "# printers\nlp|laser|Hall laser:\\\n\t:sd=/var/spool/lp:\ncolour:\nxlp:\nbig office:\n");
-    set_box(w, "printers", true);
-    ASSERT_NE(printers(), nullptr);
-    EXPECT_FALSE(gtk_widget_get_visible(w));
-    EXPECT_EQ(printer_rows(), "FALSE|lp|\nFALSE|colour|\nFALSE|xlp|\n");
-    save_screenshot(printers(), "rdp_printers");
-    click(printers(), "_Cancel");
-    EXPECT_FALSE(box_on(w, "printers")) << "Cancel before any Save turns the box off";
-    EXPECT_TRUE(gtk_widget_get_visible(w));
-
-    set_box(w, "printers", true);
-    tick("1");
-    tick("2");
-    rd_printcap_editable_cb(nullptr, const_cast<gchar*>("2"), const_cast<gchar*>("HP LaserJet 4"), printer_table());
-    click(printers(), "_Save");
-    EXPECT_EQ(text_of(w, "printers_value"), "colour=\"\",xlp=\"HP LaserJet 4\"");
-
-    // Reopened: the earlier choices come back, and lp is found inside "xlp=".
-    set_box(w, "printers", false);
-    set_box(w, "printers", true);
-    EXPECT_EQ(printer_rows(), "TRUE|lp|HP LaserJet 4\nTRUE|colour|\nTRUE|xlp|HP LaserJet 4\n");
-    click(printers(), "_Cancel");
-    EXPECT_TRUE(box_on(w, "printers")) << "Cancel after a Save keeps the box on";
-
-    set_box(w, "printers", false);
-    set_box(w, "printers", true);
-    for (const char* row : {"0", "1", "2"})
-        tick(row);
-    click(printers(), "_Save");
-    EXPECT_EQ(text_of(w, "printers_value"), "");
-    EXPECT_FALSE(box_on(w, "printers"));
-    type_text(w, "printers_value", "lp=\"kept only while on\"");
-    type_text(w, "name", "Printing");
-    click(w, "_Save");
-    EXPECT_EQ(master_row("Printing", "RDP")[MC_RDP_PRINTER], "");
 }
 
 }  // namespace

@@ -9,10 +9,6 @@
 #include "support/test_support.h"
 
 
-// The reconnect prompt, replaced at link level: it counts instead of showing a window.
-int reconnect_prompts = 0;
-void run_reconnect_dialog() { ++reconnect_prompts; }
-
 namespace {
 
 using target = restart_target;
@@ -55,7 +51,6 @@ protected:
     status_poll()
     {
         master_connection_list = create_master_store();
-        reconnect_prompts = 0;
     }
     ~status_poll() override
     {
@@ -97,6 +92,7 @@ protected:
 
     GtkTreeStore* tree = create_user_tree_store();
     std::vector<pid_t> sleepers;
+    message_recorder messages;
 };
 
 // The poll counts the survivors, finds sessions past idle rows, and an id of zero reaps no
@@ -115,7 +111,7 @@ TEST_F(status_poll, counts_running_sessions_and_reaps_only_its_own)
     siginfo_t info{};
     EXPECT_EQ(waitid(P_PID, other, &info, WEXITED | WNOHANG), 0);
     EXPECT_EQ(info.si_pid, other) << "still ours to reap";
-    EXPECT_EQ(reconnect_prompts, 0);
+    EXPECT_EQ(messages.prompts, 0);
 }
 
 }  // namespace

@@ -50,7 +50,7 @@ TEST_F(user_file_test, loads_rows_promoting_or_dropping_them_by_the_master_list)
         {"TRUE\nDesk\nRDP\nTRUE\nTRUE\nFALSE\nMail\nRDP\nFALSE\nFALSE\n",
          "TRUE|Desk|RDP|TRUE|TRUE|FALSE" + idle + "  FALSE|Mail|RDP|FALSE|FALSE|FALSE" + idle},
         // Names are text; flags other than "TRUE" are false.
-        {"Version 1.000\nTRUE\nTRUE\nRDP\nyes\nTRUE\n1\n", "TRUE|TRUE|RDP|FALSE|TRUE|FALSE" + idle},
+        {"Version 1.000\nTRUE\nTRUE\nRDP\ntrue\nTRUE\n1\n", "TRUE|TRUE|RDP|FALSE|TRUE|FALSE" + idle},
         {"", ""},
         // Cut short after the name: the type comes from the buffer, one character shorter.
         {"Version 1.000\nTRUE\nDesk\n", ""},

@@ -132,12 +132,18 @@ void record_run()
     if (active_recorder)
         active_recorder->shown.push_back(active_recorder->label);
 }
+
+void record_prompt()
+{
+    if (active_recorder)
+        ++active_recorder->prompts;
+}
 }  // namespace
 
 message_recorder::message_recorder()
 {
     active_recorder = this;
-    set_message_handlers({record_text, record_run});
+    set_message_handlers({record_text, record_run, record_prompt});
 }
 
 message_recorder::~message_recorder()

@@ -82,6 +82,8 @@ public:
     std::vector<std::string> shown;
     // The last text set, shown or not.
     std::string label;
+    // Reconnect prompts asked for.
+    int prompts = 0;
 };
 
 // The fixture of the tests that touch files: a private root that KESTRELLE_ROOT points at,
