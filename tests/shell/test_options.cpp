@@ -72,48 +72,39 @@ TEST_F(options_test, writing_replaces_key_lines_keeps_the_others_and_appends_mis
         messages.shown.clear();
         write_zarvooptions();
         EXPECT_EQ(read_file_text(options_path), e.after);
-        EXPECT_TRUE(messages.shown.empty()) << e.before;
-        EXPECT_FALSE(std::filesystem::exists(temp_path)) << e.before;
+        EXPECT_TRUE(messages.shown.empty() && !std::filesystem::exists(temp_path)) << e.before;
     }
 }
 
+// Nothing is written where nothing can be: the file stays as it was.
 TEST_F(options_test, failures_leave_the_file_and_say_why)
 {
     const std::string original = "SHOW_TASKBAR=FALSE\n", &temp = temp_path;
     const std::pair<std::function<void()>, std::vector<std::string>> table[] = {
         {[&] { make_dirs(temp); }, {}},
-        // A link planted at the temporary name is never followed: it cannot be opened.
-        // (A full /tmp, the write error, is a fault test.)
+        // A link planted at the temporary name is never followed. (A full /tmp is a fault test.)
         {[&] { symlink("/dev/full", temp.c_str()); }, {}},
-        // The new file cannot be made beside the options file.
         {[&] { make_dirs(root / "etc/.zarvooptions.new"); },
          {"\nError saving Zarvo options configuration file, changes not saved.\n"}},
+        // No options file, or a directory in its place: no settings, and none are made.
+        {[&] { std::filesystem::remove(options_path); }, {}},
+        {[&] { std::filesystem::remove(options_path); make_dirs(options_path); }, {}},
     };
     for (const auto& [arrange, messages_shown] : table) {
         std::filesystem::remove_all(temp);
+        std::filesystem::remove_all(options_path);
         write_file(options_path, original);
         arrange();
+        const std::string before = std::filesystem::is_regular_file(options_path) ? original : "";
         set_flags({0, 1, 1});
         messages.shown.clear();
-        write_zarvooptions();
-        std::filesystem::remove_all(root / "etc/.zarvooptions.new");
-        EXPECT_EQ(read_file_text(options_path), original);
-        EXPECT_EQ(messages.shown, messages_shown);
-    }
-}
-
-TEST_F(options_test, without_an_options_file_nothing_is_read_or_written)
-{
-    set_flags({0, 1, 0});
-    for (bool as_directory : {false, true}) {  // a directory holds no settings either
-        if (as_directory)
-            make_dirs(options_path);
         parse_zarvooptions();
         write_zarvooptions();
-        EXPECT_EQ(current_flags(), (flags{0, 1, 0}));
+        std::filesystem::remove_all(root / "etc/.zarvooptions.new");
+        EXPECT_EQ(read_file_text(options_path), before);
+        EXPECT_EQ(messages.shown, messages_shown);
+        EXPECT_EQ(current_flags()[1], before.empty()) << "the taskbar flag read";
     }
-    EXPECT_TRUE(messages.shown.empty());
-    EXPECT_FALSE(std::filesystem::exists(temp_path));
     EXPECT_TRUE(std::filesystem::is_empty(options_path));
 }
 

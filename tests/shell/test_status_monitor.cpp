@@ -8,7 +8,6 @@
 #include "store/record.h"
 #include "support/test_support.h"
 
-
 namespace {
 
 using target = restart_target;
@@ -38,20 +37,12 @@ TEST(restart_rules, decide_what_starts_and_whether_to_prompt)
     }
 }
 
-// not_ours: the id of a process that is no child of ours; zero_id: "00000".
+// Real child processes stand for sessions: idle (no process), running, ended (left
+// unreaped: the poll is what reaps it), not ours (process 1) and the id "00000".
 enum class session { idle, running, ended, not_ours, zero_id };
 
-// A persistent primary row without Prompt: name, state, polls.
-struct row_shape { const char* name; session state; int polls; };
-
-// Real child processes stand for sessions. Which row restarts is the table's above, and
-// restarts are seen end to end in tests/e2e/connect.sh.
 class status_poll : public ::testing::Test {
 protected:
-    status_poll()
-    {
-        master_connection_list = create_master_store();
-    }
     ~status_poll() override
     {
         for (pid_t pid : sleepers)
@@ -59,10 +50,8 @@ protected:
         while (waitpid(-1, nullptr, 0) > 0 || errno == EINTR) {
         }
         g_object_unref(tree);
-        g_clear_object(&master_connection_list);
     }
 
-    // An ended child is left unreaped: the poll is what reaps it.
     pid_t child(session state)
     {
         const pid_t pid = fork();
@@ -73,22 +62,18 @@ protected:
         return pid;
     }
 
-    void build(const std::vector<row_shape>& rows)
+    // Persistent primary rows without Prompt.
+    void add(const char* name, session state, int polls)
     {
-        gtk_tree_store_clear(tree);
+        const std::string pid = state == session::idle       ? no_process
+                                : state == session::not_ours ? "1"
+                                : state == session::zero_id  ? "00000"
+                                                             : std::to_string(child(state));
         GtkTreeIter iter;
-        for (const row_shape& r : rows) {
-            gtk_tree_store_append(tree, &iter, nullptr);
-            const std::string pid = r.state == session::idle       ? no_process
-                                    : r.state == session::not_ours ? "1"
-                                    : r.state == session::zero_id  ? "00000"
-                                                                   : std::to_string(child(r.state));
-            write_tree_row(tree, &iter, {true, r.name, "Other", false, true, false, pid,
-                                         r.state == session::idle ? status_not_connected : status_active, r.polls});
-        }
+        gtk_tree_store_append(tree, &iter, nullptr);
+        write_tree_row(tree, &iter, {true, name, "Other", false, true, false, pid,
+                                     state == session::idle ? status_not_connected : status_active, polls});
     }
-
-    GtkTreeModel* model() { return GTK_TREE_MODEL(tree); }
 
     GtkTreeStore* tree = create_user_tree_store();
     std::vector<pid_t> sleepers;
@@ -96,17 +81,20 @@ protected:
 };
 
 // The poll counts the survivors, finds sessions past idle rows, and an id of zero reaps no
-// other child of ours.
+// other child of ours. Which row restarts is the table's above; restarts are seen end to
+// end in tests/e2e/connect.sh.
 TEST_F(status_poll, counts_running_sessions_and_reaps_only_its_own)
 {
     using enum session;
-    build({{"idle", idle, 0}});
-    EXPECT_FALSE(active_connections(model()));
-    build({{"idle", idle, 0}, {"run", running, 4}, {"foreign", not_ours, 3}, {"zero", zero_id, 0}});
+    add("idle", idle, 0);
+    EXPECT_FALSE(active_connections(GTK_TREE_MODEL(tree)));
+    add("run", running, 4);
+    add("foreign", not_ours, 3);
+    add("zero", zero_id, 0);
     const pid_t other = child(ended);
     EXPECT_TRUE(update_status(tree));
-    EXPECT_TRUE(active_connections(model()));
-    EXPECT_EQ(dump_model(model(), {TC_NAME, TC_STATUS, TC_POLLS}),
+    EXPECT_TRUE(active_connections(GTK_TREE_MODEL(tree)));
+    EXPECT_EQ(dump_model(GTK_TREE_MODEL(tree), {TC_NAME, TC_STATUS, TC_POLLS}),
               "idle|Not Connected|0\nrun|Active|5\nforeign|Active|0\nzero|Active|0\n");
     siginfo_t info{};
     EXPECT_EQ(waitid(P_PID, other, &info, WEXITED | WNOHANG), 0);
