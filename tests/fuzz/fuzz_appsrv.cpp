@@ -6,32 +6,19 @@
 #include "store/password.h"
 #include "store/record.h"
 
-#include <cstdlib>
+void fuzz_setup() { fill_seedchars(); }
 
-extern "C" int LLVMFuzzerInitialize(int*, char***)
+void fuzz_one(const std::string& input)
 {
-    fuzz_quiet_messages();
-    fill_seedchars();
-    return 0;
-}
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
-{
-    const std::vector<std::string> lines = fuzz_lines(data, size);
+    const std::vector<std::string> lines = fuzz_lines(input);
     connection_record record;
     for (size_t i = 0; i < lines.size() && i < record.col.size(); ++i)
         record.col[i] = lines[i];
     record[MC_TYPE] = "ICA";
-    const std::string section = ica_section(record);
-    if (section.empty())
-        std::abort();
+    if (ica_section(record).empty())
+        fuzz_fail("an ICA record without a section");
     GtkListStore* list = create_master_store();
     insert_master_row(list, -1, record);
-    char* text = nullptr;
-    size_t text_size = 0;
-    FILE* stream = open_memstream(&text, &text_size);
-    write_appsrv_header(stream, GTK_TREE_MODEL(list));
-    fuzz_stream_text(stream, &text, &text_size);
+    fuzz_written([&](FILE* out) { write_appsrv_header(out, GTK_TREE_MODEL(list)); });
     g_object_unref(list);
-    return 0;
 }

@@ -5,50 +5,39 @@
 #include "keymaps/keymaps.h"
 #include "launch/command_line.h"
 
-#include <cstdio>
 #include <cstdlib>
-#include <string>
+#include <iterator>
 
 namespace {
 
-const char* const sources[] = {
-    "/etc/X11/xkb/rules/xfree86.lst",
-    "/etc/X11/xkb/keymap/xfree86",
-    "/etc/xfce4/applets/keyboard.conf",
-    "/usr/share/rdesktop/keymaps/keymap.lst",
-    "/etc/X11/xdm/Xsetup",
-};
-constexpr size_t source_count = sizeof sources / sizeof *sources;
+const char* const sources[] = {"/etc/X11/xkb/rules/xfree86.lst", "/etc/X11/xkb/keymap/xfree86",
+                               "/etc/xfce4/applets/keyboard.conf", "/usr/share/rdesktop/keymaps/keymap.lst",
+                               "/etc/X11/xdm/Xsetup"};
+constexpr size_t rdesktop_list = 3;
+constexpr size_t xsetup = 4;
 
 }  // namespace
 
-extern "C" int LLVMFuzzerInitialize(int*, char***)
+void fuzz_setup()
 {
-    fuzz_quiet_messages();
     setenv("KESTRELLE_ROOT", fuzz_scratch().c_str(), 1);
     for (const char* map : {"de", "fr", "common"})
         fuzz_write_file(fuzz_scratch() + "/usr/share/rdesktop/keymaps/" + map, "");
-    return 0;
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+void fuzz_one(const std::string& input)
 {
-    if (size == 0)
-        return 0;
-    const size_t chosen = data[0] % source_count;
-    for (size_t i = 0; i < source_count; ++i)
-        if (i != chosen && i != 3)
+    if (input.empty())
+        return;
+    const size_t chosen = static_cast<unsigned char>(input[0]) % std::size(sources);
+    for (size_t i = 0; i < std::size(sources); ++i)
+        if (i != chosen && i != rdesktop_list)
             std::remove((fuzz_scratch() + sources[i]).c_str());
-    fuzz_write_file(fuzz_scratch() + sources[chosen], data + 1, size - 1);
-    switch (chosen) {
-    case 3:
+    fuzz_write_file(fuzz_scratch() + sources[chosen], input.substr(1));
+    if (chosen == rdesktop_list)
         make_rdesktop_keymap();
-        break;
-    case 4:
+    else if (chosen == xsetup)
         local_xkb_map(fuzz_scratch() + sources[chosen]);
-        break;
-    default:
+    else
         make_x_keymap();
-    }
-    return 0;
 }

@@ -3,22 +3,15 @@
 #include "editors/rdp_rules.h"
 #include "fuzz_support.h"
 
-#include <cstdio>
+void fuzz_setup() {}
 
-extern "C" int LLVMFuzzerInitialize(int*, char***)
+void fuzz_one(const std::string& input)
 {
-    fuzz_quiet_messages();
-    return 0;
-}
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
-{
-    FILE* printcap = fmemopen(const_cast<uint8_t*>(data), size, "r");
+    FILE* printcap = fmemopen(const_cast<char*>(input.data()), input.size(), "r");
     if (!printcap)
-        return 0;
+        return;
     for (const std::string& name : printcap_names(printcap))
         if (name.find('\n') != std::string::npos)
             fuzz_fail("a printer name holds a line end", "", name);
     std::fclose(printcap);
-    return 0;
 }

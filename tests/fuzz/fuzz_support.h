@@ -1,23 +1,23 @@
 #pragma once
-// Shared by the fuzz targets: a private scratch folder, quiet messages, and the split of
-// one input into several texts.
-#include <cstddef>
-#include <cstdint>
+// The harness of the fuzz targets. It defines libFuzzer's entry points: messages for the
+// error dialog are dropped (the run has no display), fuzz_setup runs once, then fuzz_one
+// for each input. Each target defines those two.
 #include <cstdio>
+#include <functional>
 #include <string>
 #include <vector>
 
-// A folder of this process, made on first use (under $KESTRELLE_FUZZ_SCRATCH or /tmp)
-// and removed at exit.
+void fuzz_setup();
+void fuzz_one(const std::string& input);
+
+// A folder of this process (under $KESTRELLE_FUZZ_SCRATCH or /tmp), removed at exit.
 const std::string& fuzz_scratch();
-// Messages for the error dialog are dropped; the fuzz run has no display.
-void fuzz_quiet_messages();
-void fuzz_write_file(const std::string& path, const uint8_t* data, size_t size);
 void fuzz_write_file(const std::string& path, const std::string& text);
-// Everything a writer put into a stream made by open_memstream, closed.
-std::string fuzz_stream_text(FILE* stream, char** buffer, size_t* size);
-// A broken check: says what broke, shows both texts (escaped) and aborts, so that
-// libFuzzer keeps the input.
-[[noreturn]] void fuzz_fail(const char* what, const std::string& expected, const std::string& got);
+std::string fuzz_read_file(const std::string& path);
+// What write puts into a stream, as a file would hold it.
+std::string fuzz_written(const std::function<void(FILE*)>& write);
+// A broken check: says what broke, shows both texts escaped and aborts, so that libFuzzer
+// keeps the input.
+[[noreturn]] void fuzz_fail(const char* what, const std::string& expected = "", const std::string& got = "");
 // The input cut at each line end (the line ends are dropped).
-std::vector<std::string> fuzz_lines(const uint8_t* data, size_t size);
+std::vector<std::string> fuzz_lines(const std::string& input);

@@ -14,11 +14,10 @@ namespace {
 // Settings and locations written out alone: equal texts mean equal values.
 std::string written(const std::string& text)
 {
-    const std::string section = "[WFClient]\n";
     global_settings settings = default_global_settings();
     read_global_settings(text, settings);
-    return rewrite_server_locations(section, read_server_locations(text)) +
-           rewrite_global_settings(section, settings);
+    return rewrite_server_locations("[WFClient]\n", read_server_locations(text)) +
+           rewrite_global_settings("[WFClient]\n", settings);
 }
 
 // A save of the dialogs without changes: both rewrites with what was read.
@@ -32,29 +31,27 @@ std::string saved(const std::string& text)
 
 // A file as the client and this program write it: every line short, one section line,
 // and each line naming at most one key (two section lines each get the COM ports, which
-// then double at every save). Keys are found anywhere on a line,
-// so in any other file a value may name a key ("Address=x[WFClient]") and be read again
-// at each save: such files are read and rewritten without harm, but their settings are
-// not expected to settle.
+// then double at every save). Keys are found anywhere on a line, so in any other file a
+// value may name a key ("Address=x[WFClient]") and be read again at each save: such
+// files are read and rewritten without harm, but their settings need not settle.
 bool plain(const std::string& text)
 {
-    const char* const names[] = {"[WFClient]", "SSLEnable", "BrowserProtocol", "TcpBrowserAddress",
-                                 "HttpBrowserAddress", "Hotkey", "DriveEnabled", "DrivePath",
-                                 "DriveReadAccess", "DriveWriteAccess", "ComPort", "KeyboardLayout",
-                                 "AllowAudioInput"};
+    const char* const names[] = {"[WFClient]", "SSLEnable", "BrowserProtocol", "TcpBrowserAddress", "HttpBrowserAddress",
+                                 "Hotkey", "DriveEnabled", "DrivePath", "DriveReadAccess", "DriveWriteAccess",
+                                 "ComPort", "KeyboardLayout", "AllowAudioInput"};
     std::istringstream lines(text);
     int sections = 0;
     for (std::string line; std::getline(lines, line);) {
-        int count = 0;
-        std::string rest = line;  // "LastComPortNum" holds "ComPort": counted once, then taken out
-        for (size_t at; (at = rest.find("LastComPortNum")) != std::string::npos; ++count)
-            rest.erase(at, std::strlen("LastComPortNum"));
-        for (const char* name : names)
-            for (size_t at = rest.find(name); at != std::string::npos; at = rest.find(name, at + 1))
-                ++count;
         const bool section = line.find("[WFClient]") != std::string::npos;
-        sections += section;
-        if (line.size() > 90 || count > 1 || sections > 1 || (section && line != "[WFClient]"))
+        if (line.size() > 90 || (sections += section) > 1 || (section && line != "[WFClient]"))
+            return false;
+        int count = 0;  // "LastComPortNum" holds "ComPort": counted once, then taken out
+        for (size_t at; (at = line.find("LastComPortNum")) != std::string::npos; ++count)
+            line.erase(at, std::strlen("LastComPortNum"));
+        for (const char* name : names)
+            for (size_t at = line.find(name); at != std::string::npos; at = line.find(name, at + 1))
+                ++count;
+        if (count > 1)
             return false;
     }
     return true;
@@ -62,23 +59,17 @@ bool plain(const std::string& text)
 
 }  // namespace
 
-extern "C" int LLVMFuzzerInitialize(int*, char***)
-{
-    fuzz_quiet_messages();
-    return 0;
-}
+void fuzz_setup() {}
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+void fuzz_one(const std::string& input)
 {
-    const std::string text(reinterpret_cast<const char*>(data), size);
-    read_published_names(text);
-    const std::string first = saved(text);
-    if (!plain(text))
-        return 0;
+    read_published_names(input);
+    const std::string first = saved(input);
+    if (!plain(input))
+        return;
     const std::string second = saved(first);
     if (written(second) != written(first))
         fuzz_fail("a save without changes read back other settings", written(first), written(second));
     if (second != first)
         fuzz_fail("a save without changes changed the file", first, second);
-    return 0;
 }
