@@ -53,7 +53,6 @@ TEST_F(options_test, reading_tests_lower_case_substrings_and_the_last_match_wins
 
 TEST_F(options_test, writing_replaces_key_lines_keeps_the_others_and_appends_missing_keys)
 {
-    const std::string long_line = std::string(120, 'a') + "\n";
     const struct { std::string before; flags set; std::string after; } table[] = {
         {"ZARVOSHELL=/usr/bin/kestrelle\nSHOW_TASKBAR=FALSE\nLANG=C\nKiosk_Browser=true\n",
          {1, 1, 0},
@@ -63,8 +62,6 @@ TEST_F(options_test, writing_replaces_key_lines_keeps_the_others_and_appends_mis
          "KIOSK_BROWSER=TRUE\n"},
         // The first 13 characters are kept, whatever they are.
         {"export SHOW_TASKBAR=yes\n", {0, 0, 0}, "export SHOW_TFALSE\nKIOSK_BROWSER=FALSE\n"},
-        {"PS1='%s %d %n'\n" + long_line, {0, 1, 1},
-         "PS1='%s %d %n'\n" + long_line + "SHOW_TASKBAR=TRUE\nKIOSK_BROWSER=TRUE\n"},
     };
     for (const auto& e : table) {
         write_file(options_path, e.before);
