@@ -273,6 +273,20 @@ gui_test::~gui_test()
     setenv("PATH", old_path_.c_str(), 1);
 }
 
+void gui_test::open_main_window(shell_setup setup, GCallback advanced)
+{
+    shell_mode = setup.shell;
+    user_has_root = setup.admin;
+    allow_turnoff = setup.turnoff || setup.admin;
+    allow_reboot = setup.reboot || setup.admin;
+    build_main_window();
+    finish_main_window();
+    if (user_has_root)
+        add_advanced_button(advanced);
+    show_main_window();
+    pump_events();
+}
+
 std::string gui_test::cell(const char* path, int column) const
 {
     GtkTreeIter iter{};
@@ -296,19 +310,6 @@ shell_window_test::~shell_window_test()
     }
 }
 
-void shell_window_test::open_main_window(shell_setup setup)
-{
-    shell_mode = setup.shell;
-    user_has_root = setup.admin;
-    allow_turnoff = setup.turnoff || setup.admin;
-    allow_reboot = setup.reboot || setup.admin;
-    build_main_window();
-    finish_main_window();
-    if (user_has_root)
-        add_advanced_button(nullptr);
-    show_main_window();
-    pump_events();
-}
 
 void ica_opener(GtkWidget*, GtkTreeModel*, GtkTreePath* path) { ica_dialog(path); }
 
@@ -326,15 +327,12 @@ admin_test::admin_test()
     current_user_name = selected_user_name = "admin";
     current_user_filename = root / "home/admin/kestrel.inf";
     show_gui = 1;
-    show_taskbar = kiosk_mode = shell_mode = 0;
-    das = firefox = user_has_root = x11_keymap = 1;
+    show_taskbar = kiosk_mode = 0;
+    das = firefox = x11_keymap = 1;
     selected_user_connection_tree = create_user_tree_store();
     rdesktop_keymap_list = make_keymap_list({{"xx", "Use Default"}, {"intl", "International Europe"}, {"da", "Danish"}});
     keymap_list = make_keymap_list({{"us", "English (US)"}, {"be", "belgian"}});
-    build_main_window();
-    finish_main_window();
-    add_advanced_button(G_CALLBACK(advanced_dialog));
-    show_main_window();
+    open_main_window({false, true}, G_CALLBACK(advanced_dialog));
     messages = std::make_unique<message_recorder>();
 }
 

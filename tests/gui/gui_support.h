@@ -44,12 +44,16 @@ std::string shown_values(GtkWidget* window);
 connection_record parse_row(const std::string& columns);
 std::string row_text(const connection_record& record);
 
+struct shell_setup { bool shell = false, admin = false, turnoff = false, reboot = false; };
+
 // A started shell in a private root: support folder, log, root/bin first in PATH, the
 // widget slots and the running user's models; TearDown closes every window.
 class gui_test : public ::testing::Test {
 protected:
     gui_test();
     ~gui_test() override;
+    // Builds and shows the main window as start-up does, for this mode and these rights.
+    void open_main_window(shell_setup setup, GCallback advanced = nullptr);
     std::string cell(const char* path, int column) const;  // of the running user's tree
 
     temp_dir root;
@@ -57,14 +61,11 @@ protected:
     std::string old_path_;
 };
 
-struct shell_setup { bool shell = false, admin = false, turnoff = false, reboot = false; };
-
 // A user's shell with primary "Desk" and its secondary "Backup", both "Other" commands.
 class shell_window_test : public gui_test {
 protected:
     shell_window_test();
     ~shell_window_test() override;
-    void open_main_window(shell_setup setup);  // built and shown as start-up does
 };
 
 using editor_opener = void (*)(GtkWidget*, GtkTreeModel*, GtkTreePath*);
