@@ -53,18 +53,6 @@ GtkEntry* entry_of(GtkWidget* widget)
     return GTK_IS_COMBO_BOX(widget) ? GTK_ENTRY(gtk_bin_get_child(GTK_BIN(widget))) : GTK_ENTRY(widget);
 }
 
-void add_connection(GtkTreeIter* parent, GtkTreeIter* row, const std::string& name, bool persistent)
-{
-    connection_record record;
-    record[MC_NAME] = name;
-    record[MC_TYPE] = "Other";
-    record[MC_PING_PORT] = "0";
-    record[MC_PROGRAM] = "sleep 4";
-    insert_master_row(master_connection_list, -1, record);
-    gtk_tree_store_append(current_user_connection_tree, row, parent);
-    write_tree_row(current_user_connection_tree, row, {parent == nullptr, name, "Other", false, persistent});
-}
-
 }  // namespace
 
 void pump_events(int milliseconds)
@@ -296,20 +284,23 @@ std::string gui_test::cell(const char* path, int column) const
 
 shell_window_test::shell_window_test()
 {
-    GtkTreeIter desk, backup;
-    add_connection(nullptr, &desk, "Desk", true);
-    add_connection(&desk, &backup, "Backup", false);
+    connection_record desk;
+    desk[MC_NAME] = "Desk";
+    desk[MC_TYPE] = "Other";
+    desk[MC_PING_PORT] = "0";
+    desk[MC_PROGRAM] = "sleep 4";
+    insert_master_row(master_connection_list, -1, desk);
+    GtkTreeIter row;
+    gtk_tree_store_append(current_user_connection_tree, &row, nullptr);
+    write_tree_row(current_user_connection_tree, &row, {true, "Desk", "Other", false, true});
 }
 
 shell_window_test::~shell_window_test()
 {
-    for (const char* connection : {"0", "0:0"}) {
-        pid_t pid = session_process_id(std::stoi(cell(connection, TC_PID)));
-        if (pid > 0 && kill(pid, SIGKILL) == 0)
-            waitpid(pid, nullptr, 0);
-    }
+    pid_t pid = session_process_id(std::stoi(cell("0", TC_PID)));
+    if (pid > 0 && kill(pid, SIGKILL) == 0)
+        waitpid(pid, nullptr, 0);
 }
-
 
 void ica_opener(GtkWidget*, GtkTreeModel*, GtkTreePath* path) { ica_dialog(path); }
 

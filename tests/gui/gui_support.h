@@ -61,7 +61,7 @@ protected:
     std::string old_path_;
 };
 
-// A user's shell with primary "Desk" and its secondary "Backup", both "Other" commands.
+// A user's shell with one persistent connection, "Desk", an "Other" command.
 class shell_window_test : public gui_test {
 protected:
     shell_window_test();
