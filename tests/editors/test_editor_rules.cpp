@@ -1,6 +1,5 @@
-// The RDP and XDM editors' rules without a window: printcap names, earlier printer
-// choices, the selection text and the choice lists. The presets are tested through the
-// window, where both directions meet.
+// The editors' rules without a window: the RDP experience presets, printcap names,
+// earlier printer choices, the selection text and the choice lists.
 #include "editors/choice_lists.h"
 #include "editors/rdp_rules.h"
 #include "support/test_support.h"
@@ -12,6 +11,21 @@
 namespace {
 
 using texts = std::vector<std::string>;
+
+TEST(experience, presets_and_the_four_bits_both_ways)
+{
+    // Background 64, dragging 128, animation 256, themes 512; other bits (4097) stay.
+    const struct { unsigned long bits; const char* preset; } table[] = {
+        {0, "Modem (28.8 Kbps)"}, {512, "Modem (56 Kbps)"}, {896, "Broadband (128 Kbps - 1.5 Mbps)"},
+        {960, "LAN (10 Mbps or higher)"}, {576, "Custom"}, {640, "Custom"}, {64, "Custom"}, {448, "Custom"},
+    };
+    for (const auto& c : table) {
+        EXPECT_STREQ(experience_for_bits(c.bits | 4097), c.preset) << c.bits;
+        const bool custom = std::string(c.preset) == "Custom";
+        EXPECT_EQ(bits_for_experience(c.preset, 4097 | 320), custom ? 4097 | 320 : 4097 | c.bits) << c.preset;
+    }
+    EXPECT_EQ(bits_for_experience("Warp", 4097 | 320), 4097u | 320);  // names no preset
+}
 
 TEST(printcap, names_from_lines_comments_continuations_and_aliases)
 {

@@ -12,13 +12,12 @@
 
 #include <chrono>
 #include <sstream>
-#include <sys/stat.h>
 #include <thread>
 
 namespace {
 
-// The first widget at or below widget that match accepts. Buttons are not entered, so
-// their captions stay out of a dialog's text.
+// The first widget at or below widget that match accepts; a button's caption is not
+// part of a dialog's text, so buttons are not entered.
 GtkWidget* find_below(GtkWidget* widget, const std::function<bool(GtkWidget*)>& match)
 {
     if (match(widget))
@@ -49,78 +48,32 @@ GtkWidget* find_toplevel(const std::function<bool(GtkWidget*)>& match)
     return found;
 }
 
-void add_connection(GtkTreeIter* parent, GtkTreeIter* row, const std::string& name, bool persistent)
-{
-    connection_record record;
-    record[MC_NAME] = name;
-    record[MC_TYPE] = "Other";
-    record[MC_PING_PORT] = "0";
-    record[MC_PROGRAM] = "sleep 4";
-    insert_master_row(master_connection_list, -1, record);
-    gtk_tree_store_append(current_user_connection_tree, row, parent);
-    write_tree_row(current_user_connection_tree, row, {parent == nullptr, name, "Other", false, persistent});
-}
-
 GtkEntry* entry_of(GtkWidget* widget)
 {
     return GTK_IS_COMBO_BOX(widget) ? GTK_ENTRY(gtk_bin_get_child(GTK_BIN(widget))) : GTK_ENTRY(widget);
 }
 
-void collect_shown(GtkWidget* widget, texts& shown)
-{
-    const std::string name = gtk_widget_get_name(widget);
-    const bool named_control = name.rfind("Gtk", 0) != 0;
-    if (named_control && GTK_IS_TOGGLE_BUTTON(widget)) {
-        if (gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(widget)))
-            shown.push_back(name);
-    } else if (named_control && (GTK_IS_ENTRY(widget) || GTK_IS_COMBO_BOX(widget))) {
-        const std::string text = GTK_IS_COMBO_BOX(widget) && !gtk_bin_get_child(GTK_BIN(widget))
-                                     ? combo_text(widget)
-                                     : gtk_entry_get_text(entry_of(widget));
-        if (!text.empty())
-            shown.push_back(name + "=" + text);
-    } else if (GTK_IS_CONTAINER(widget)) {
-        GList* children = gtk_container_get_children(GTK_CONTAINER(widget));
-        for (GList* child = children; child; child = child->next)
-            collect_shown(GTK_WIDGET(child->data), shown);
-        g_list_free(children);
-    }
-}
-
 }  // namespace
 
-bool wait_for(const std::function<bool()>& condition, int timeout_ms)
+void pump_events(int milliseconds)
 {
-    auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeout_ms);
-    while (!condition() && std::chrono::steady_clock::now() < end) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
+    for (; std::chrono::steady_clock::now() < end; std::this_thread::sleep_for(std::chrono::milliseconds(5)))
         while (gtk_events_pending())
             gtk_main_iteration_do(FALSE);
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return condition();
 }
 
-void pump_events(int milliseconds) { wait_for([] { return false; }, milliseconds); }
-
-std::vector<std::string> button_labels(GtkWidget* container)
+texts button_labels(GtkWidget* container)
 {
-    std::vector<std::string> labels;
-    find_below(container, [&](GtkWidget* w) {
-        if (button_label(w))
-            labels.push_back(button_label(w));
-        return false;
-    });
+    texts labels;
+    find_below(container, [&](GtkWidget* w) { return button_label(w) && (labels.push_back(button_label(w)), false); });
     return labels;
 }
 
 std::string label_text(GtkWidget* container)
 {
     std::string text;
-    find_below(container, [&](GtkWidget* w) {
-        if (GTK_IS_LABEL(w))
-            text += gtk_label_get_text(GTK_LABEL(w));
-        return false;
-    });
+    find_below(container, [&](GtkWidget* w) { return GTK_IS_LABEL(w) && (text += gtk_label_get_text(GTK_LABEL(w)), false); });
     return text;
 }
 
@@ -134,17 +87,9 @@ GtkWidget* find_widget(GtkWidget* container, GType type)
     return find_below(container, [&](GtkWidget* w) { return G_TYPE_CHECK_INSTANCE_TYPE(w, type); });
 }
 
-GtkWidget* find_named_widget(GtkWidget* container, const char* name)
-{
-    return find_below(container, [&](GtkWidget* w) { return g_strcmp0(gtk_widget_get_name(w), name) == 0; });
-}
-
 GtkWidget* find_window(const std::string& title)
 {
-    return find_toplevel([&](GtkWidget* w) {
-        const char* window_title = gtk_window_get_title(GTK_WINDOW(w));
-        return window_title && title == window_title;
-    });
+    return find_toplevel([&](GtkWidget* w) { return title == (gtk_window_get_title(GTK_WINDOW(w)) ?: ""); });
 }
 
 void answer_next_dialog(std::string* text, int response)
@@ -183,83 +128,10 @@ void add_program(const std::string& file, const std::string& body)
     chmod(file.c_str(), 0755);
 }
 
-shell_state::shell_state(const temp_dir& root)
-{
-    make_dirs(root / "tmp/.kestrel");
-    tmp_dir = root / "tmp/.kestrel";
-    log_open();
-    old_path_ = std::getenv("PATH");
-    setenv("PATH", (root / "bin:" + old_path_).c_str(), 1);
-    misc_widgets = g_new0(GtkWidget*, 3);
-    master_connection_list = create_master_store();
-    current_user_connection_tree = create_user_tree_store();
-}
-
-shell_state::~shell_state()
-{
-    for (GtkWidget* window : {root_window, error_dialog, reconnect_dialog})
-        if (window)
-            gtk_widget_destroy(window);
-    pump_events(20);
-    root_window = error_dialog = reconnect_dialog = nullptr;
-    g_clear_object(&master_connection_list);
-    g_clear_object(&current_user_connection_tree);
-    g_free(misc_widgets);
-    misc_widgets = nullptr;
-    log_close();
-    setenv("PATH", old_path_.c_str(), 1);
-}
-
-void shell_window_test::SetUp()
-{
-    GtkTreeIter desk, backup;
-    add_connection(nullptr, &desk, "Desk", true);
-    add_connection(&desk, &backup, "Backup", false);
-}
-
-void shell_window_test::TearDown()
-{
-    for (const char* connection : {"0", "0:0"}) {
-        pid_t pid = session_process_id(std::stoi(cell(connection, TC_PID)));
-        if (pid > 0 && kill(pid, SIGKILL) == 0)
-            waitpid(pid, nullptr, 0);
-    }
-}
-
-void shell_window_test::open_main_window(shell_setup setup)
-{
-    shell_mode = setup.shell;
-    user_has_root = setup.admin;
-    allow_turnoff = setup.turnoff || setup.admin;
-    allow_reboot = setup.reboot || setup.admin;
-    build_main_window();
-    finish_main_window();
-    if (user_has_root)
-        add_advanced_button(nullptr);
-    show_main_window();
-    pump_events();
-}
-
-GtkTreeView* shell_window_test::view() const { return GTK_TREE_VIEW(find_widget(root_window, GTK_TYPE_TREE_VIEW)); }
-
-GtkTreeIter shell_window_test::row(const char* path) const
-{
-    GtkTreeIter iter{};
-    gtk_tree_model_get_iter_from_string(GTK_TREE_MODEL(current_user_connection_tree), &iter, path);
-    return iter;
-}
-
-std::string shell_window_test::cell(const char* path, int column) const
-{
-    GtkTreeIter iter = row(path);
-    return model_text(GTK_TREE_MODEL(current_user_connection_tree), &iter, column);
-}
-
-void ica_opener(GtkWidget*, GtkTreeModel*, GtkTreePath* path) { ica_dialog(path); }
-
 GtkWidget* named(GtkWidget* window, const char* name)
 {
-    GtkWidget* widget = window ? find_named_widget(window, name) : nullptr;
+    GtkWidget* widget = window ? find_below(window, [&](GtkWidget* w) { return g_strcmp0(gtk_widget_get_name(w), name) == 0; })
+                               : nullptr;
     EXPECT_NE(widget, nullptr) << name;
     return widget;
 }
@@ -275,14 +147,7 @@ void type_text(GtkWidget* window, const char* name, const std::string& text)
         gtk_entry_set_text(GTK_ENTRY(widget), text.c_str());
 }
 
-void set_box(GtkWidget* window, const char* name, bool on)
-{
-    gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(named(window, name)), on);
-}
-
-bool box_on(GtkWidget* window, const char* name) { return gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(named(window, name))); }
-
-bool sensitive(GtkWidget* window, const char* name) { return gtk_widget_is_sensitive(named(window, name)); }
+void set_box(GtkWidget* window, const char* name, bool on) { gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(named(window, name)), on); }
 
 void click(GtkWidget* window, const char* label)
 {
@@ -301,14 +166,29 @@ void select_row(GtkWidget* window, const char* view, const char* path)
     gtk_tree_path_free(at);
 }
 
-void screenshot_pages(GtkWidget* window, const char* notebook, const std::string& prefix)
+namespace {
+
+void collect_shown(GtkWidget* widget, texts& shown)
 {
-    GtkNotebook* pages = GTK_NOTEBOOK(named(window, notebook));
-    for (int page = 0; page < gtk_notebook_get_n_pages(pages); ++page) {
-        gtk_notebook_set_current_page(pages, page);
-        save_screenshot(window, prefix + std::to_string(page + 1));
+    const std::string name = gtk_widget_get_name(widget);
+    const bool ours = name.rfind("Gtk", 0) != 0;
+    if (ours && GTK_IS_TOGGLE_BUTTON(widget)) {
+        if (gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(widget)))
+            shown.push_back(name);
+    } else if (ours && (GTK_IS_ENTRY(widget) || GTK_IS_COMBO_BOX(widget))) {
+        const bool plain_combo = GTK_IS_COMBO_BOX(widget) && !gtk_bin_get_child(GTK_BIN(widget));
+        const std::string text = plain_combo ? combo_text(widget) : gtk_entry_get_text(entry_of(widget));
+        if (!text.empty())
+            shown.push_back(name + "=" + text);
+    } else if (GTK_IS_CONTAINER(widget)) {
+        GList* children = gtk_container_get_children(GTK_CONTAINER(widget));
+        for (GList* child = children; child; child = child->next)
+            collect_shown(GTK_WIDGET(child->data), shown);
+        g_list_free(children);
     }
 }
+
+}  // namespace
 
 std::string shown_values(GtkWidget* window)
 {
@@ -348,16 +228,88 @@ std::string row_text(const connection_record& record)
     return text;
 }
 
-void admin_test::SetUp()
+gui_test::gui_test() : old_path_(std::getenv("PATH"))
+{
+    tmp_dir = root / "tmp/.kestrel";
+    make_dirs(tmp_dir);
+    log_open();
+    setenv("PATH", (root / "bin:" + old_path_).c_str(), 1);
+    misc_widgets = g_new0(GtkWidget*, 3);
+    master_connection_list = create_master_store();
+    current_user_connection_tree = create_user_tree_store();
+}
+
+gui_test::~gui_test()
+{
+    // Held while the list is walked: destroying one window may destroy another.
+    GList* windows = gtk_window_list_toplevels();
+    g_list_foreach(windows, [](gpointer window, gpointer) { g_object_ref(window); }, nullptr);
+    for (GList* w = windows; w; w = w->next)
+        if (w->data != error_dialog && w->data != reconnect_dialog &&
+            (w->data == root_window || gtk_widget_get_visible(GTK_WIDGET(w->data))))
+            gtk_widget_destroy(GTK_WIDGET(w->data));
+    g_list_free_full(windows, g_object_unref);
+    for (GtkWidget* window : {error_dialog, reconnect_dialog})
+        if (window)
+            gtk_widget_destroy(window);
+    pump_events(20);
+    root_window = error_dialog = reconnect_dialog = nullptr;
+    g_clear_object(&master_connection_list);
+    g_clear_object(&current_user_connection_tree);
+    g_clear_pointer(&misc_widgets, g_free);
+    log_close();
+    setenv("PATH", old_path_.c_str(), 1);
+}
+
+void gui_test::open_main_window(shell_setup setup, GCallback advanced)
+{
+    shell_mode = setup.shell;
+    user_has_root = setup.admin;
+    allow_turnoff = setup.turnoff || setup.admin;
+    allow_reboot = setup.reboot || setup.admin;
+    build_main_window();
+    finish_main_window();
+    if (user_has_root)
+        add_advanced_button(advanced);
+    show_main_window();
+    pump_events();
+}
+
+std::string gui_test::cell(const char* path, int column) const
+{
+    GtkTreeIter iter{};
+    gtk_tree_model_get_iter_from_string(GTK_TREE_MODEL(current_user_connection_tree), &iter, path);
+    return model_text(GTK_TREE_MODEL(current_user_connection_tree), &iter, column);
+}
+
+shell_window_test::shell_window_test()
+{
+    connection_record desk;
+    desk[MC_NAME] = "Desk";
+    desk[MC_TYPE] = "Other";
+    desk[MC_PING_PORT] = "0";
+    desk[MC_PROGRAM] = "sleep 4";
+    insert_master_row(master_connection_list, -1, desk);
+    GtkTreeIter row;
+    gtk_tree_store_append(current_user_connection_tree, &row, nullptr);
+    write_tree_row(current_user_connection_tree, &row, {true, "Desk", "Other", false, true});
+}
+
+shell_window_test::~shell_window_test()
+{
+    pid_t pid = session_process_id(std::stoi(cell("0", TC_PID)));
+    if (pid > 0 && kill(pid, SIGKILL) == 0)
+        waitpid(pid, nullptr, 0);
+}
+
+void ica_opener(GtkWidget*, GtkTreeModel*, GtkTreePath* path) { ica_dialog(path); }
+
+admin_test::admin_test()
 {
     for (const char* dir : {"etc/.kestrel", "home/admin", "home/bob"})
         make_dirs(root / dir);
-    write_file(root / "etc/passwd",
-               "admin:x:" + std::to_string(getuid()) + ":0::/home/admin:/bin/sh\n"
-               "svc:x:5:5::/srv/data:/bin/sh\n"
-               "bob:x:1001:1001::/home/bob:/bin/sh\n"
-               "nobody:x:65534:65534::/home/nobody:/bin/sh\n"
-               "Zed:x:1002:1002::/var/lib/home-less:/bin/sh\n");
+    write_file(root / "etc/passwd", "admin:x:" + std::to_string(getuid()) + ":0::/home/admin:/bin/sh\n"
+                                    "bob:x:1001:1001::/home/bob:/bin/sh\n");
     write_file(root / "etc/group", "root:x:0:admin\n");
     fill_seedchars();
     ica_dir = root / "etc/.kestrel";
@@ -366,33 +318,18 @@ void admin_test::SetUp()
     current_user_name = selected_user_name = "admin";
     current_user_filename = root / "home/admin/kestrel.inf";
     show_gui = 1;
-    show_taskbar = kiosk_mode = shell_mode = 0;
-    das = firefox = user_has_root = x11_keymap = 1;
+    show_taskbar = kiosk_mode = 0;
+    das = firefox = x11_keymap = 1;
     selected_user_connection_tree = create_user_tree_store();
-    rdesktop_keymap_list = make_keymap_list({{"xx", "Use Default"}, {"intl", "International Europe"},
-                                         {"de", "German (Germany)"}, {"da", "Danish"}});
-    keymap_list = make_keymap_list({{"us", "English (US)"}, {"de", "German"}, {"be", "belgian"}});
-    build_main_window();
-    finish_main_window();
-    add_advanced_button(G_CALLBACK(advanced_dialog));
-    show_main_window();
+    rdesktop_keymap_list = make_keymap_list({{"xx", "Use Default"}, {"intl", "International Europe"}, {"da", "Danish"}});
+    keymap_list = make_keymap_list({{"us", "English (US)"}, {"be", "belgian"}});
+    open_main_window({false, true}, G_CALLBACK(advanced_dialog));
     messages = std::make_unique<message_recorder>();
 }
 
-void admin_test::TearDown()
+admin_test::~admin_test()
 {
     messages.reset();
-    // The windows a test left open; state closes the main window and the shared dialogs.
-    // Held while the list is walked: destroying one window may destroy another.
-    GList* windows = gtk_window_list_toplevels();
-    g_list_foreach(windows, [](gpointer window, gpointer) { g_object_ref(window); }, nullptr);
-    for (GList* w = windows; w; w = w->next) {
-        GtkWidget* window = GTK_WIDGET(w->data);
-        if (window != root_window && window != error_dialog && window != reconnect_dialog &&
-            gtk_widget_get_visible(window))
-            gtk_widget_destroy(window);
-    }
-    g_list_free_full(windows, g_object_unref);
     g_clear_object(&selected_user_connection_tree);
     g_clear_object(&rdesktop_keymap_list);
     g_clear_object(&keymap_list);
@@ -414,8 +351,7 @@ GtkWidget* admin_test::open_advanced()
     return find_window("Advanced Configuration");
 }
 
-GtkWidget* admin_test::open(editor_opener opener, const char* title, const std::string& name,
-                            const std::string& type)
+GtkWidget* admin_test::open(editor_opener opener, const char* title, const std::string& name, const std::string& type)
 {
     GtkTreeIter iter;
     GtkTreePath* path = nullptr;
@@ -436,11 +372,4 @@ connection_record admin_test::master_row(const std::string& name, const std::str
         return {};
     }
     return read_master_row(GTK_TREE_MODEL(master_connection_list), &iter);
-}
-
-std::string admin_test::master_file() const { return read_file_text(root / "etc/.kestrel/kestrel.master"); }
-
-std::string admin_test::user_file(const std::string& user) const
-{
-    return read_file_text(root / ("home/" + user + "/kestrel.inf"));
 }

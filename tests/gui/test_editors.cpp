@@ -1,8 +1,6 @@
-// What every editor shares, run over all of them: the binding round trip and the
-// columns of a new connection; then the XDM and RDP editors' own rules (the ICA editor's
-// are in test_ica).
+// What every editor shares, run over all of them: the binding round trip and the columns
+// of a new connection (the ICA editor's server list is in test_ica).
 #include "editors/editors.h"
-#include "editors/rdp_editor.h"
 #include "gui/gui_support.h"
 #include "shell/globals.h"
 
@@ -73,14 +71,14 @@ TEST_F(admin_test, every_editor_saves_the_columns_it_shows_unchanged)
          "Round|ICA|FALSE|1495|7|Mail|srv1:1494|TCP browser|mail.exe|C:\\work|ann|s3cret|CORP|1024x768|256|Low|"
          "Enabled|2599|Off|RC5 (128 bit)||SOCKS|proxy.lan|1080|relay.lan|443|On|Off||||||0|02710|TRUE"},
     };
-    for (const editor_case& c : table) {
+    for (const auto& c : table) {
         SCOPED_TRACE(c.stored);
         const connection_record stored = parse_row(c.stored);
         gtk_list_store_clear(master_connection_list);
         insert_master_row(master_connection_list, -1, stored);
         GtkWidget* editor = open(c.opener, c.title, stored[MC_NAME], stored[MC_TYPE]);
         ASSERT_NE(editor, nullptr);
-        EXPECT_FALSE(sensitive(editor, "name"));
+        EXPECT_FALSE(gtk_widget_is_sensitive(named(editor, "name")));
         EXPECT_EQ(shown_values(editor), c.shown);
         EXPECT_FALSE(gtk_widget_get_visible(root_window));
         EXPECT_EQ(find_window("Printers"), nullptr) << "a box turned on by loading opens no window";
@@ -114,57 +112,6 @@ TEST_F(admin_test, new_connections_are_saved_with_the_editors_defaults)
         EXPECT_EQ(row_text(master_row("New", type)), expected);
     }
     EXPECT_TRUE(messages->shown.empty());
-}
-
-class rdp_editor_test : public admin_test {
-protected:
-    GtkWidget* open_rdp(const std::string& name = "") { return open(rd_dialog, "rdesktop connection", name, "RDP"); }
-    GtkWidget* printers() const { return find_window("Printers"); }
-    GtkListStore* printer_table() const
-    {
-        return GTK_LIST_STORE(gtk_tree_view_get_model(GTK_TREE_VIEW(named(printers(), "printer_table"))));
-    }
-    void tick(const char* row) { rd_printcap_enable_cb(nullptr, const_cast<gchar*>(row), printer_table()); }
-    // The tick, the name and the driver of every printer row.
-    std::string printer_rows() const { return dump_model(GTK_TREE_MODEL(printer_table()), {0, 1, 2}); }
-};
-
-TEST_F(rdp_editor_test, presets_set_the_boxes_and_the_boxes_name_the_preset)
-{
-    GtkWidget* w = open_rdp();
-    screenshot_pages(w, "tabs", "rdp-editor-");
-    auto boxes = [&] {
-        std::string on;
-        for (const char* box : {"background", "dragging", "animation", "themes"})
-            on += box_on(w, box) ? "1" : "0";
-        return on;
-    };
-    EXPECT_EQ(text_of(w, "experience") + " " + boxes(), "Modem (56 Kbps) 0001");
-    // A preset chosen sets the boxes; a box changed names the preset the boxes make.
-    const struct { const char* control; const char* value; const char* shown; } steps[] = {
-        {"experience", "LAN (10 Mbps or higher)", "LAN (10 Mbps or higher) 1111"},
-        {"experience", "Modem (28.8 Kbps)", "Modem (28.8 Kbps) 0000"},
-        {"experience", "Broadband (128 Kbps - 1.5 Mbps)", "Broadband (128 Kbps - 1.5 Mbps) 0111"},
-        {"experience", "Custom", "Custom 0111"},
-        {"experience", "Modem (56 Kbps)", "Modem (56 Kbps) 0001"},
-        {"background", "on", "Custom 1001"},
-        {"themes", "off", "Custom 1000"},
-        {"background", "off", "Modem (28.8 Kbps) 0000"},
-        {"themes", "on", "Modem (56 Kbps) 0001"},
-        {"dragging", "on", "Custom 0101"},
-        {"animation", "on", "Broadband (128 Kbps - 1.5 Mbps) 0111"},
-        {"background", "on", "LAN (10 Mbps or higher) 1111"},
-    };
-    for (const auto& step : steps) {
-        if (std::string(step.control) == "experience")
-            type_text(w, "experience", step.value);
-        else
-            set_box(w, step.control, std::string(step.value) == "on");
-        EXPECT_EQ(text_of(w, "experience") + " " + boxes(), step.shown) << step.control << " " << step.value;
-    }
-    type_text(w, "name", "Fast");
-    click(w, "_Save");
-    EXPECT_EQ(master_row("Fast", "RDP")[MC_RDP_FLAGS], "05056");  // compression and all four
 }
 
 }  // namespace
