@@ -2,16 +2,12 @@
 source "$(dirname "$0")/../e2e/lib.sh"
 : "${CHECK:?path of kestrelle-check}"
 
-# check_case NAME STATUS LINE...: the check of the case's root ends with STATUS and
-# reports every LINE, word for word.
+# check_case NAME STATUS LINE...: the check of the root ends with STATUS and reports every LINE.
 check_case() {
-  local name=$1 want=$2 status=0 line
-  shift 2
-  case_name=$name
+  local want=$2 status=0 line && shift 2
   "$CHECK" --root "$root" >"$root/report" 2>&1 || status=$?
   [ "$status" = "$want" ] || fail "exit status $status, not $want"
-  for line; do grep -qxF -- "$line" "$root/report" || fail "no line: $line"; done
-  [ "$failures" -eq 0 ] || cat "$root/report" >&2
+  for line; do grep -qxF -- "$line" "$root/report" || { fail "no line: $line"; cat "$root/report" >&2; }; done
 }
 
 desk() { record Desk RDP "Don't ping" 3389 5=desk.example.lan "$@"; }

@@ -15,8 +15,6 @@ def read(node):
 
 
 desktop = Atspi.get_desktop(0)
-apps = [desktop.get_child_at_index(i) for i in range(desktop.get_child_count())]
-found = [app for app in apps if app is not None and app.get_name() == sys.argv[1]]
-for app in found:
-    read(app)
+found = [a for a in map(desktop.get_child_at_index, range(desktop.get_child_count())) if a is not None and a.get_name() == sys.argv[1]]
+list(map(read, found))
 sys.exit(0 if found else 1)
