@@ -72,7 +72,6 @@ protected:
         ADD_FAILURE() << "every child ended before spawn_connection returned";
         return -1;
     }
-    // A script in PATH under the given name, in place of the fake.
     void script(const std::string& name, const std::string& text)
     {
         unlink((root / "bin/" + name).c_str());
@@ -82,10 +81,9 @@ protected:
     std::string old_path = std::getenv("PATH");
 };
 
-// The argument vector of every type and the failed checks' log lines are checked end to end
-// (tests/e2e/automatic.sh); here the check before the start, and the exit statuses: 189,
-// no master row of exactly this name and type; 69, no session program started. Each
-// launch looks the list up as it is now, and of two rows of one name and type uses the first.
+// Argument vectors of every type and the failed checks' log lines: tests/e2e/automatic.sh.
+// Here the check before the start, and the exit statuses: 189, no master row of exactly
+// this name and type (as the list is now, the first of equal rows); 69, nothing started.
 TEST_F(spawn_test, each_check_comes_before_its_program_and_failures_end_with_their_status)
 {
     const local_port open, closed(-1);
@@ -110,8 +108,7 @@ TEST_F(spawn_test, each_check_comes_before_its_program_and_failures_end_with_the
     const struct { const char *name, *type; int status; std::string programs; std::function<void()> then = {}; } cases[] = {
         {"Office", "RDP", 69, "ping|ping|-c|1|-q|ts\nrdesktop|rdesktop|-uann|-psecret|-T|My desk|ts:3390\n"},
         {"Up", "Web", 0, "firefox|firefox|" + up + "\n"}, {"Down", "Web", 69, ""},
-        {"office", "RDP", 189, ""}, {"Office", "Web", 189, ""},
-        {"Office", "DAS", 69, ""}, {"Office", "Telnet", 69, "", [&] { add_web("one"); }},
+        {"office", "RDP", 189, ""}, {"Office", "DAS", 69, ""}, {"Office", "Telnet", 69, "", [&] { add_web("one"); }},
         {"Intranet", "Web", 0, "firefox|firefox|one\n", remove_first},
         {"Intranet", "Web", 189, "", [&] { add_web("two"), add_web("three"); }},
         {"Intranet", "Web", 0, "firefox|firefox|three\n", remove_first},
