@@ -19,14 +19,12 @@ inline connection_record with_columns(connection_record record, column_values va
     return record;
 }
 
-inline connection_record make_record(const std::string& name, const std::string& type,
-                                     column_values values = {}, bool ping_first = false)
+inline connection_record make_record(const std::string& name, const std::string& type, column_values values = {},
+                                     bool ping_first = false)
 {
     connection_record record;
-    record[MC_NAME] = name;
-    record[MC_TYPE] = type;
     record.ping_first = ping_first;
-    return with_columns(record, values);
+    return with_columns(with_columns(record, {{MC_NAME, name.c_str()}, {MC_TYPE, type.c_str()}}), values);
 }
 
 // A keyboard map list of (code, display name) rows; the GUI tests use it too.
@@ -38,30 +36,23 @@ inline GtkListStore* make_keymap_list(std::initializer_list<std::pair<const char
     return list;
 }
 
-// A TCP socket bound to a free port of 127.0.0.1; listening unless told otherwise.
-class local_port {
-public:
-    explicit local_port(bool listening, int backlog = 16)
+// A TCP socket bound to a free port of 127.0.0.1, listening with the given backlog or not at all.
+struct local_port {
+    explicit local_port(int backlog = 16)
     {
-        fd_ = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-        address_.sin_family = AF_INET;
-        address_.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        socklen_t length = sizeof address_;
-        if (bind(fd_, reinterpret_cast<sockaddr*>(&address_), length) != 0 ||
-            getsockname(fd_, reinterpret_cast<sockaddr*>(&address_), &length) != 0)
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t length = sizeof address;
+        if (bind(fd, reinterpret_cast<sockaddr*>(&address), length) || getsockname(fd, reinterpret_cast<sockaddr*>(&address), &length))
             ADD_FAILURE() << "no local port";
-        port_ = std::to_string(ntohs(address_.sin_port));
-        if (listening)
-            listen(fd_, backlog);
+        if (backlog >= 0)
+            listen(fd, backlog);
+        port = std::to_string(ntohs(address.sin_port));
     }
-    ~local_port() { close(fd_); }
-    const char* port() const { return port_.c_str(); }
-    const sockaddr_in& address() const { return address_; }
-
-private:
-    int fd_ = -1;
-    sockaddr_in address_{};
-    std::string port_;
+    ~local_port() { close(fd); }
+    int fd = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address{};
+    std::string port;
 };
 
 class rooted_log_test : public rooted_test {
@@ -72,6 +63,5 @@ protected:
         ASSERT_TRUE(log_open());
     }
     void TearDown() override { log_close(); }
-
     std::string log_text() const { return read_file_text(root / "tmp/zarvoca.log"); }
 };

@@ -109,23 +109,18 @@ TEST_F(command_line_test, xdm_vectors)
               (args{"X", ":1", "-query", "xhost", "-xf86config", "XF86Config.XDM"}));
 }
 
+// Lines are read 101 characters at a time; cutting at ".xkm" removes the marker.
 TEST_F(command_line_test, local_keyboard_map_from_the_setup_file)
 {
     const std::string x100(100, 'x');
-    const struct { std::string contents; const char* map; } cases[] = {
-        {"#!/bin/sh\nxsetroot -solid grey\n", "us_intl"},
-        {"  xkbcomp xkbmap=de.xkm  \n", "de"},
-        {"a xkbmap=x xkbmap=ch.xkm.xkm\n", "ch.xkm"},
-        {"xkbmap=de\nxkbmap=fr\n", "de"},
-        // Lines are read 101 characters at a time.
-        {x100 + "xx xkbmap=gb\n", "gb"},
-        {x100.substr(3) + "xkbmap=gb\n", "us_intl"},
-        // Cutting at ".xkm" removes the marker.
-        {"x.xkm xkbmap=de\n", "us_intl"},
+    const std::pair<std::string, const char*> cases[] = {
+        {"#!/bin/sh\nxsetroot -solid grey\n", "us_intl"}, {"  xkbcomp xkbmap=de.xkm  \n", "de"},
+        {"a xkbmap=x xkbmap=ch.xkm.xkm\n", "ch.xkm"}, {"xkbmap=de\nxkbmap=fr\n", "de"},
+        {x100 + "xx xkbmap=gb\n", "gb"}, {x100.substr(3) + "xkbmap=gb\n", "us_intl"}, {"x.xkm xkbmap=de\n", "us_intl"},
     };
-    for (const auto& c : cases) {
-        write_file(root / "Xsetup", c.contents);
-        EXPECT_EQ(local_xkb_map(root / "Xsetup"), c.map) << c.contents;
+    for (const auto& [contents, map] : cases) {
+        write_file(root / "Xsetup", contents);
+        EXPECT_EQ(local_xkb_map(root / "Xsetup"), map) << contents;
     }
     EXPECT_EQ(local_xkb_map(root / "missing"), "us_intl");
 }

@@ -8,8 +8,6 @@
 #include "store/password.h"
 
 #include <fcntl.h>
-#include <filesystem>
-#include <functional>
 
 namespace {
 
@@ -32,21 +30,20 @@ protected:
     void TearDown() override
     {
         setenv("PATH", old_path.c_str(), 1);
-        for (const char* name : {"LOG", "SLEEP_MS"})
-            unsetenv(("KEST_FAKE_" + std::string(name)).c_str());
+        unsetenv("KEST_FAKE_LOG");
+        unsetenv("KEST_FAKE_SLEEP_MS");
         g_clear_object(&master_connection_list);
         g_clear_object(&current_user_connection_tree);
         rooted_log_test::TearDown();
     }
-
     GtkTreeModel* tree() const { return GTK_TREE_MODEL(current_user_connection_tree); }
     std::string fake_log() const { return read_file_text(root / "fake.log"); }
 
     GtkTreeIter add_row(const std::string& name, const std::string& type)
     {
         GtkTreeIter iter;
-        gtk_tree_store_insert_with_values(current_user_connection_tree, &iter, nullptr, -1, TC_NAME,
-                                          name.c_str(), TC_TYPE, type.c_str(), -1);
+        gtk_tree_store_insert_with_values(current_user_connection_tree, &iter, nullptr, -1, TC_NAME, name.c_str(),
+                                          TC_TYPE, type.c_str(), -1);
         return iter;
     }
     GtkTreeIter add_connection(const connection_record& record)
@@ -54,7 +51,6 @@ protected:
         insert_master_row(master_connection_list, -1, record);
         return add_row(record[MC_NAME], record[MC_TYPE]);
     }
-
     // Starts the row and returns its child's exit status (-1: it did not exit), after checking
     // that the row names the child. A child that ends before spawn_connection looks is reaped
     // there, its status lost: the launch is then made again, on a fresh fake log.
@@ -62,109 +58,88 @@ protected:
     {
         for (int attempt = 0; attempt < 50; ++attempt) {
             std::remove((root / "fake.log").c_str());
-            gtk_tree_store_set(current_user_connection_tree, iter, TC_PID, "0", TC_STATUS,
-                               "Not Connected", TC_POLLS, 3, -1);
+            gtk_tree_store_set(current_user_connection_tree, iter, TC_PID, "0", TC_STATUS, "Not Connected", TC_POLLS,
+                               3, -1);
             if (spawn_connection(tree(), iter) == 0)
                 continue;
             int status = 0;
             const pid_t pid = waitpid(-1, &status, 0);
             const tree_row row = read_tree_row(tree(), iter);
-            EXPECT_EQ(row.status, "Active");
-            EXPECT_EQ(row.polls, 0);
-            EXPECT_EQ(row.pid.size(), 5u) << row.pid;
-            EXPECT_EQ(std::atoi(row.pid.c_str()), pid % 100000) << row.pid;
+            EXPECT_EQ(row.status + " " + std::to_string(row.polls), "Active 0");
+            EXPECT_EQ(row.pid, std::to_string(100000 + pid % 100000).substr(1));
             return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
         }
         ADD_FAILURE() << "every child ended before spawn_connection returned";
         return -1;
     }
-
+    void script(const std::string& name, const std::string& text)
+    {
+        unlink((root / "bin/" + name).c_str());
+        write_file(root / "bin/" + name, text);
+        chmod((root / "bin/" + name).c_str(), 0755);
+    }
     std::string old_path = std::getenv("PATH");
 };
 
-// The argument vector of every type and the failed checks' log lines are checked end to end
-// (tests/e2e/automatic.sh); here the check before the start, and the exit statuses: 189,
-// no master row of exactly this name and type; 69, no session program started.
+// Argument vectors of every type and the failed checks' log lines: tests/e2e/automatic.sh.
+// Here the check before the start, and the exit statuses: 189, no master row of exactly
+// this name and type (as the list is now, the first of equal rows); 69, nothing started.
 TEST_F(spawn_test, each_check_comes_before_its_program_and_failures_end_with_their_status)
 {
-    const local_port open(true), closed(false);
-    const std::string up = "http://127.0.0.1:" + std::string(open.port()) + "/x";
-    const std::string down = "http://127.0.0.1:" + std::string(closed.port()) + "/x";
+    const local_port open, closed(-1);
+    const std::string up = "http://127.0.0.1:" + open.port + "/x", down = "http://127.0.0.1:" + closed.port + "/x";
     add_connection(make_record("Office", "RDP",
                                {{MC_PING_PORT, "0"}, {MC_SERVER, "ts:3390"}, {MC_USERNAME, "ann"},
-                                {MC_PASSWORD, "t`kber"}, {MC_RDP_FLAGS, "16384"},
-                                {MC_RDP_EXTRA_OPTIONS, "-T 'My desk'"}},
+                                {MC_PASSWORD, "t`kber"}, {MC_RDP_FLAGS, "16384"}, {MC_RDP_EXTRA_OPTIONS, "-T 'My desk'"}},
                                true));
-    add_connection(make_record("Up", "Web", {{MC_PING_PORT, open.port()}, {MC_SERVER, up.c_str()}}, true));
-    add_connection(make_record("Down", "Web", {{MC_PING_PORT, closed.port()}, {MC_SERVER, down.c_str()}}, true));
+    add_connection(make_record("Up", "Web", {{MC_PING_PORT, open.port.c_str()}, {MC_SERVER, up.c_str()}}, true));
+    add_connection(make_record("Down", "Web", {{MC_PING_PORT, closed.port.c_str()}, {MC_SERVER, down.c_str()}}, true));
     for (const char* type : {"DAS", "Telnet"})
         add_connection(make_record("Office", type));
-    const struct { const char *name, *type; int status; std::string programs; } cases[] = {
-        {"Office", "RDP", 69, "ping|ping|-c|1|-q|ts\nrdesktop|rdesktop|-uann|-psecret|-T|My desk|ts:3390\n"},
-        {"Up", "Web", 0, "firefox|firefox|" + up + "\n"}, {"Down", "Web", 69, ""},
-        {"office", "RDP", 189, ""}, {"Office ", "RDP", 189, ""}, {"Office", "Web", 189, ""},
-        {"Office", "DAS", 69, ""}, {"Office", "Telnet", 69, ""},
-    };
-    for (const auto& c : cases) {
-        GtkTreeIter iter = add_row(c.name, c.type);
-        EXPECT_EQ(launch_and_wait(&iter), c.status) << c.name << "/" << c.type;
-        EXPECT_EQ(fake_log(), c.programs) << c.name << "/" << c.type;
-    }
-}
-
-// The child finds its connection through an index of the master list: every change of the
-// list is seen by the next launch, and of two rows of one name and type the first is used.
-TEST_F(spawn_test, each_launch_sees_the_master_list_as_it_is_now)
-{
-    GtkTreeIter row = add_connection(make_record("Intranet", "Web", {{MC_SERVER, "one"}}));
     const auto first_master_row = [] {
         GtkTreeIter iter;
         gtk_tree_model_get_iter_first(GTK_TREE_MODEL(master_connection_list), &iter);
         return iter;
     };
-    const struct { const char* step; std::function<void()> change; int status; const char* programs; } steps[] = {
-        {"as added", [] {}, 0, "firefox|firefox|one\n"},
-        {"deleted", [&] { GtkTreeIter it = first_master_row(); gtk_list_store_remove(master_connection_list, &it); }, 189, ""},
-        {"added as RDP", [] { insert_master_row(master_connection_list, -1, make_record("Intranet", "RDP")); }, 189, ""},
-        {"its type made Web", [&] { GtkTreeIter it = first_master_row(); gtk_list_store_set(master_connection_list, &it, MC_TYPE, "Web", MC_SERVER, "two", -1); }, 0, "firefox|firefox|two\n"},
-        {"a second row", [] { insert_master_row(master_connection_list, -1, make_record("Intranet", "Web", {{MC_SERVER, "three"}})); }, 0, "firefox|firefox|two\n"},
-        {"the first deleted", [&] { GtkTreeIter it = first_master_row(); gtk_list_store_remove(master_connection_list, &it); }, 0, "firefox|firefox|three\n"},
+    const auto remove_first = [&] { GtkTreeIter it = first_master_row(); gtk_list_store_remove(master_connection_list, &it); };
+    const auto add_web = [](const char* server) {
+        insert_master_row(master_connection_list, 0, make_record("Intranet", "Web", {{MC_SERVER, server}}));
     };
-    for (const auto& step : steps) {
-        step.change();
-        EXPECT_EQ(launch_and_wait(&row), step.status) << step.step;
-        EXPECT_EQ(fake_log(), step.programs) << step.step;
+    const struct { const char *name, *type; int status; std::string programs; std::function<void()> then = {}; } cases[] = {
+        {"Office", "RDP", 69, "ping|ping|-c|1|-q|ts\nrdesktop|rdesktop|-uann|-psecret|-T|My desk|ts:3390\n"},
+        {"Up", "Web", 0, "firefox|firefox|" + up + "\n"}, {"Down", "Web", 69, ""},
+        {"office", "RDP", 189, ""}, {"Office", "DAS", 69, ""}, {"Office", "Telnet", 69, "", [&] { add_web("one"); }},
+        {"Intranet", "Web", 0, "firefox|firefox|one\n", remove_first},
+        {"Intranet", "Web", 189, "", [&] { add_web("two"), add_web("three"); }},
+        {"Intranet", "Web", 0, "firefox|firefox|three\n", remove_first},
+        {"Intranet", "Web", 0, "firefox|firefox|two\n"},
+    };
+    for (const auto& c : cases) {
+        GtkTreeIter iter = add_row(c.name, c.type);
+        EXPECT_EQ(launch_and_wait(&iter), c.status) << c.name << "/" << c.type;
+        EXPECT_EQ(fake_log(), c.programs) << c.name << "/" << c.type;
+        if (c.then)
+            c.then();
     }
 }
 
 // An Other command line is split by the shell's quoting rules but run without a shell; a
 // program without "#!" is run by /bin/sh. It gets /dev/null as standard input and no
-// descriptor above 2, and the child ends with 69 once it has ended.
-TEST_F(spawn_test, other_runs_a_script_without_interpreter_line_and_waits_for_it)
+// descriptor above 2, and the child ends with 69 once it has ended. Session programs of
+// the other types inherit what is not close-on-exec, but never the log.
+TEST_F(spawn_test, what_session_programs_are_started_with)
 {
     const int leak = open((root / "leak").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    write_file(root / "bin/noshebang",
-               "printf '%s|' \"$0\" \"$@\" > " + root / "out\n"
-               "readlink /proc/$$/fd/0 >> " + root / "out\n"
-               "[ -e /proc/$$/fd/" + std::to_string(leak) + " ] && echo leaked >> " + root / "out\n"
-               "sleep 0.2; echo ended >> " + root / "out\n");
-    chmod((root / "bin/noshebang").c_str(), 0755);
-    GtkTreeIter iter = add_connection(
-        make_record("Tool", "Other", {{MC_PROGRAM, "noshebang 'two words' \"$HOME\" a\\ b"}}));
-    EXPECT_EQ(launch_and_wait(&iter), 69);
+    script("noshebang", "printf '%s|' \"$0\" \"$@\" > " + root / "out\nreadlink /proc/$$/fd/0 >> " + root / "out\n"
+                        "[ -e /proc/$$/fd/" + std::to_string(leak) + " ] && echo leaked >> " + root / "out\n"
+                        "sleep 0.2; echo ended >> " + root / "out\n");
+    script("firefox", "#!/bin/sh\nls -l /proc/$$/fd > " + root / "fds\n");
+    GtkTreeIter tool = add_connection(make_record("Tool", "Other", {{MC_PROGRAM, "noshebang 'two words' \"$HOME\" a\\ b"}}));
+    GtkTreeIter web = add_connection(make_record("Intranet", "Web", {{MC_SERVER, "intra"}}));
+    EXPECT_EQ(launch_and_wait(&tool), 69);
+    EXPECT_EQ(launch_and_wait(&web), 0);
     close(leak);
     EXPECT_EQ(read_file_text(root / "out"), root / "bin/noshebang|two words|$HOME|a b|/dev/null\nended\n");
-}
-
-TEST_F(spawn_test, session_programs_inherit_only_what_is_not_close_on_exec)
-{
-    const int leak = open((root / "leak").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    unlink((root / "bin/firefox").c_str());
-    write_file(root / "bin/firefox", "#!/bin/sh\nls -l /proc/$$/fd > " + root / "fds\n");
-    chmod((root / "bin/firefox").c_str(), 0755);
-    GtkTreeIter iter = add_connection(make_record("Intranet", "Web", {{MC_SERVER, "intra"}}));
-    EXPECT_EQ(launch_and_wait(&iter), 0);
-    close(leak);
     const std::string fds = read_file_text(root / "fds");
     EXPECT_NE(fds.find(root / "leak"), std::string::npos) << fds;
     EXPECT_EQ(fds.find("zarvoca.log"), std::string::npos) << fds;
@@ -185,12 +160,10 @@ TEST_F(spawn_test, a_full_log_moves_aside_before_a_launch)
 // own mask is left as it was.
 TEST_F(spawn_test, running_session_ends_on_sigterm_and_is_not_started_twice)
 {
-    struct sigaction action {};
-    struct sigaction previous {};
+    struct sigaction action {}, previous {};
     action.sa_handler = [](int) {};
     sigaction(SIGTERM, &action, &previous);
     setenv("KEST_FAKE_SLEEP_MS", "2000", 1);
-
     GtkTreeIter iter = add_connection(make_record("Office", "RDP", {{MC_SERVER, "ts"}}));
     spawn_connection(tree(), &iter);
     sigset_t mask;
@@ -203,17 +176,15 @@ TEST_F(spawn_test, running_session_ends_on_sigterm_and_is_not_started_twice)
     EXPECT_EQ(spawn_connection(tree(), &iter), 0);
     const tree_row row = read_tree_row(tree(), &iter);
     EXPECT_EQ(row.pid + " " + std::to_string(row.polls), pid + " 7");
-
+    // Only a child of ours is signalled: the row keeps just the last five digits.
     const pid_t child = session_process_id(std::atoi(pid.c_str()));
     siginfo_t info{};
-    // Only a child of ours is signalled: the row keeps just the last five digits.
     ASSERT_EQ(waitid(P_PID, child, &info, WEXITED | WNOHANG | WNOWAIT), 0);
     int status = 0;
     ASSERT_EQ(kill(child, SIGTERM), 0);
     ASSERT_EQ(waitpid(child, &status, 0), child);
     EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM) << status;
     EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
-
     sigaction(SIGTERM, &previous, nullptr);
 }
 

@@ -2,8 +2,6 @@
 
 #include "support/test_support.h"
 
-#include <algorithm>
-
 namespace {
 
 // Every read of a file as the texts a reader sees, "|" after each read, "<end>" when

@@ -1,6 +1,5 @@
 #pragma once
-// The store tests run in a private root with the program's folders, fresh models in the
-// globals, and a recorder for messages.
+// The store tests run in a private root with the program's folders and fresh models.
 #include "store/ica_paths.h"
 #include "store/models.h"
 #include "store/password.h"
@@ -24,17 +23,16 @@ protected:
     }
     void TearDown() override
     {
-        g_object_unref(master_connection_list);
-        g_object_unref(current_user_connection_tree);
-        g_object_unref(selected_user_connection_tree);
-        master_connection_list = nullptr;
+        g_clear_object(&master_connection_list);
+        g_clear_object(&current_user_connection_tree);
+        g_clear_object(&selected_user_connection_tree);
     }
-
-    void add_master(const std::string& name, const std::string& type)
+    void add_master(const std::string& name, const std::string& type, std::map<int, std::string> columns = {})
     {
         connection_record record;
-        record[MC_NAME] = name;
-        record[MC_TYPE] = type;
+        columns[MC_NAME] = name, columns[MC_TYPE] = type;
+        for (const auto& [column, value] : columns)
+            record[column] = value;
         insert_master_row(master_connection_list, -1, record);
     }
 };

@@ -71,9 +71,8 @@ TEST_F(master_file_test, orders_by_name_without_case_and_equal_names_in_file_ord
     }
 }
 
-// A loaded list is searched by name and type through an index made while loading: of two
-// rows of one name and type the one first in the list is found, whatever the file order,
-// and a later change of the list is seen.
+// Look-ups by exact name and type find the first row in list order, whatever the file
+// order (later changes of the list: the spawn tests).
 TEST_F(master_file_test, a_loaded_list_finds_the_first_row_of_each_name_and_type)
 {
     const auto found = [](const char* name, const char* type) {
@@ -91,26 +90,19 @@ TEST_F(master_file_test, a_loaded_list_finds_the_first_row_of_each_name_and_type
     };
     for (const auto& c : cases)
         EXPECT_EQ(found(c.name, c.type), c.port) << c.name << "/" << c.type;
-
-    GtkTreeIter first_desk;
-    ASSERT_TRUE(find_master_row(master_connection_list, "Desk", "RDP", &first_desk));
-    gtk_list_store_remove(master_connection_list, &first_desk);
-    EXPECT_EQ(found("Desk", "RDP"), "4");
 }
 
 TEST_F(master_file_test, over_long_lines_and_a_cut_last_record)
 {
-    // Column 8's rest becomes column 9, and the record shifts.
+    // Column 8's rest becomes column 9, and the record shifts: its last line ("0") is left
+    // over and becomes a record of its own.
     load(master_text(master_record("A", "RDP", false, "", {{5, std::string(150, 'x')}, {8, std::string(110, 'y')}})));
-    // The shifted record leaves its last line ("0") over: it becomes a record of its own.
     ASSERT_EQ(rows(), "0|\nA|RDP\n");
     EXPECT_EQ(row(1)[MC_SERVER], std::string(100, 'x'));
     EXPECT_EQ(row(1)[MC_PROGRAM], std::string(100, 'y'));
     EXPECT_EQ(row(1)[MC_WORKDIR], std::string(9, 'y')) << "the second long line is not skipped";
     EXPECT_EQ(row(1)[MC_USERNAME], "");
-
-    // A file cut after the type line still gives its record (what the reader keeps of a
-    // cut line is the line reader's rule).
+    // A file cut after the type line still gives its record.
     gtk_list_store_clear(master_connection_list);
     load(master_text("Cut\nRDPX"));
     EXPECT_EQ(rows(), "Cut|RDP\n");

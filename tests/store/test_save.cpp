@@ -7,34 +7,34 @@ namespace {
 
 class save_test : public store_test {
 protected:
-    std::string master_text() { return read_file_text(root / "etc/.kestrel/kestrel.master"); }
-    void add_web(const std::string& name)
+    std::string master_file() { return read_file_text(root / "etc/.kestrel/kestrel.master"); }
+    void save() { save_master_connections(GTK_TREE_MODEL(master_connection_list), current_master_settings()); }
+    void add_record(const std::string& name, const std::string& type, const std::string& server, bool ping)
     {
         connection_record record;
-        record.col = {name, "Web", "", "80", "1", "http://intranet/"};
+        record.col = {name, type, "", type == "Web" ? "80" : "", "1", server, "Default", "Default"};
         record[MC_RDP_FLAGS] = record[MC_ICA_MASK] = "0";
-        record.ping_first = true;
+        record.ping_first = ping;
         insert_master_row(master_connection_list, -1, record);
     }
-    const std::string web_record =
-        "Web\nStandard echo\n80\n1\nhttp://intranet/\n\n\n\n\n\n\n\n\n\n\n\n\n\n\n\n\n\n\n\n\n\n\n\n\n\n\n\n0\n0\n";
 };
 
 TEST_F(save_test, writes_35_lines_a_row_after_backing_up_an_existing_file)
 {
     show_gui = 0;
     kiosk_mode = 1;
-    save_master_connections(GTK_TREE_MODEL(master_connection_list), current_master_settings());
+    save();
     const std::string first = "Version 1.000\nDon't show GUI\nDon't show taskbar\nKiosk\n";
-    EXPECT_EQ(master_text(), first);
+    EXPECT_EQ(master_file(), first);
     EXPECT_FALSE(std::filesystem::exists(root / "tmp/.kestrel/kestrel.bak")) << "nothing to back up";
     EXPECT_EQ(read_file_text(root / "etc/.kestrel/appsrv.ini"), "[WFClient]\nVersion=1\n\n[ApplicationServers]\n");
 
-    add_web("Intranet");
+    add_record("Intranet", "Web", "http://intranet/", true);
     show_gui = show_taskbar = 1;
     kiosk_mode = 0;
-    save_master_connections(GTK_TREE_MODEL(master_connection_list), current_master_settings());
-    EXPECT_EQ(master_text(), "Version 1.000\nShow GUI\nShow taskbar\nNot kiosk\nIntranet\n" + web_record);
+    save();
+    EXPECT_EQ(master_file(), "Version 1.000\nShow GUI\nShow taskbar\nNot kiosk\nIntranet\nWeb\nStandard echo\n80\n1\n"
+                             "http://intranet/\nDefault\nDefault" + std::string(26, '\n') + "0\n0\n");
     EXPECT_EQ(read_file_text(root / "tmp/.kestrel/kestrel.bak"), first);
     EXPECT_TRUE(messages.shown.empty());
 }
@@ -42,26 +42,23 @@ TEST_F(save_test, writes_35_lines_a_row_after_backing_up_an_existing_file)
 // Each failure leaves the last good master file in place where it can.
 TEST_F(save_test, failures_restore_the_backup_where_they_can)
 {
-    add_web("Intranet");
-    save_master_connections(GTK_TREE_MODEL(master_connection_list), current_master_settings());
-    const std::string saved = master_text();
-
+    add_record("Intranet", "Web", "http://intranet/", true);
+    save();
+    const std::string saved = master_file();
     ica_dir = root / "no-such-dir";
-    save_master_connections(GTK_TREE_MODEL(master_connection_list), current_master_settings());  // the backup is consumed by its restore
-    EXPECT_EQ(master_text(), saved);
+    save();  // the backup is consumed by its restore
+    EXPECT_EQ(master_file(), saved);
     ica_dir = root / "etc/.kestrel";
-
     std::filesystem::remove_all(root / "tmp/.kestrel");
-    save_master_connections(GTK_TREE_MODEL(master_connection_list), current_master_settings());
-    EXPECT_EQ(master_text(), saved);
+    save();
+    EXPECT_EQ(master_file(), saved);
     make_dirs(root / "tmp/.kestrel");
-    save_master_connections(GTK_TREE_MODEL(master_connection_list), current_master_settings());
-
+    save();
     // Without its folder the master file can be neither written nor restored.
     std::filesystem::remove_all(root / "etc/.kestrel");
-    save_master_connections(GTK_TREE_MODEL(master_connection_list), current_master_settings());
+    save();
     std::filesystem::remove(root / "tmp/.kestrel/kestrel.bak");
-    save_master_connections(GTK_TREE_MODEL(master_connection_list), current_master_settings());
+    save();
     EXPECT_EQ(messages.shown,
               (std::vector<std::string>{
                   "\nError opening appsrv.ini for writing.\n\nBackup file has been restored.\n",
@@ -74,22 +71,18 @@ TEST_F(save_test, failures_restore_the_backup_where_they_can)
 // and the master file must still get every connection.
 TEST_F(save_test, an_appsrv_write_error_keeps_the_whole_new_master_file)
 {
-    for (int i = 0; i < 40; ++i) {
-        connection_record record;
-        record.col = {"Desk" + std::to_string(i), "ICA", "", "", "1", "citrix.example", "Default", "Default"};
-        record[MC_RDP_FLAGS] = record[MC_ICA_MASK] = "0";
-        insert_master_row(master_connection_list, -1, record);
-    }
-    save_master_connections(GTK_TREE_MODEL(master_connection_list), current_master_settings());
-    const std::string whole = master_text(), appsrv = read_file_text(root / "etc/.kestrel/appsrv.ini");
+    for (int i = 0; i < 40; ++i)
+        add_record("Desk" + std::to_string(i), "ICA", "citrix.example", false);
+    save();
+    const std::string whole = master_file(), appsrv = read_file_text(root / "etc/.kestrel/appsrv.ini");
     ASSERT_LT(whole.size() + 1024, appsrv.size());
     {
         full_disk full(whole.size() + 512);
-        save_master_connections(GTK_TREE_MODEL(master_connection_list), current_master_settings());
+        save();
     }
     EXPECT_EQ(messages.shown, std::vector<std::string>{
                                   "\nError writing appsrv.ini.\n\nYou may be able to free some disk space and try again.\n"});
-    EXPECT_EQ(master_text(), whole);
+    EXPECT_EQ(master_file(), whole);
     EXPECT_EQ(read_file_text(root / "etc/.kestrel/appsrv.ini"), appsrv);
 }
 

@@ -2,9 +2,7 @@
 
 #include "store_fixture.h"
 
-#include <functional>
 #include <optional>
-#include <sys/stat.h>
 
 namespace {
 
@@ -16,11 +14,17 @@ protected:
         for (const char* name : {"Desk", "Mail", "Web1", "Spare", "TRUE"})
             add_master(name, "RDP");
     }
-    // Primary, name, type, automatic, persistent, prompt, process id, status.
     static std::string shape(GtkTreeStore* tree)
     {
         return dump_model(GTK_TREE_MODEL(tree), {TC_PRIMARY, TC_NAME, TC_TYPE, TC_AUTOMATIC, TC_PERSISTENT,
                                                  TC_PROMPT, TC_PID, TC_STATUS});
+    }
+    GtkTreeStore* load(const std::string& text)
+    {
+        write_file(root / "kestrel.inf", text);
+        GtkTreeStore* tree = create_user_tree_store();
+        make_connection_tree(tree, (root / "kestrel.inf").c_str(), 6);
+        return tree;
     }
 };
 
@@ -56,9 +60,7 @@ TEST_F(user_file_test, loads_rows_promoting_or_dropping_them_by_the_master_list)
         {"Version 1.000\nTRUE\nDesk\n", ""},
     };
     for (const auto& [file, expected] : cases) {
-        write_file(root / "kestrel.inf", file);
-        GtkTreeStore* tree = create_user_tree_store();
-        make_connection_tree(tree, (root / "kestrel.inf").c_str(), 6);
+        GtkTreeStore* tree = load(file);
         EXPECT_EQ(shape(tree), expected) << file;
         g_object_unref(tree);
     }
@@ -66,8 +68,7 @@ TEST_F(user_file_test, loads_rows_promoting_or_dropping_them_by_the_master_list)
 
 TEST_F(user_file_test, save_writes_the_selected_tree_and_reloads_the_current_one)
 {
-    // Each flag column differs from the others over the two rows: a swap shows in the file
-    // and in the reloaded tree.
+    // Each flag column differs from the others over the two rows: a swap shows.
     const std::string home_file = root / "home/ann/kestrel.inf";
     const std::string rows = "TRUE\nMail\nRDP\nFALSE\nTRUE\nTRUE\nFALSE\nSpare\nRDP\nTRUE\nFALSE\nTRUE\n";
     write_file(home_file, "Version 1.000\n" + rows);
@@ -88,10 +89,8 @@ TEST_F(user_file_test, save_writes_the_selected_tree_and_reloads_the_current_one
 // a load of the same file holds, not what sessions have since shown in the list.
 TEST_F(user_file_test, a_copied_tree_is_the_tree_its_file_loads_to)
 {
-    write_file(root / "kestrel.inf", "Version 1.000\nTRUE\nDesk\nRDP\nTRUE\nFALSE\nTRUE\n"
-                                     "FALSE\nMail\nRDP\nFALSE\nTRUE\nFALSE\nTRUE\nWeb1\nRDP\nFALSE\nFALSE\nTRUE\n");
-    GtkTreeStore* shown = create_user_tree_store();
-    make_connection_tree(shown, (root / "kestrel.inf").c_str(), 6);
+    GtkTreeStore* shown = load("Version 1.000\nTRUE\nDesk\nRDP\nTRUE\nFALSE\nTRUE\n"
+                               "FALSE\nMail\nRDP\nFALSE\nTRUE\nFALSE\nTRUE\nWeb1\nRDP\nFALSE\nFALSE\nTRUE\n");
     GtkTreeIter desk;
     ASSERT_TRUE(gtk_tree_model_get_iter_first(GTK_TREE_MODEL(shown), &desk));
     gtk_tree_store_set(shown, &desk, TC_PID, "4242", TC_STATUS, "Active", TC_POLLS, 3, -1);
@@ -105,9 +104,8 @@ TEST_F(user_file_test, a_copied_tree_is_the_tree_its_file_loads_to)
     g_object_unref(copy);
 }
 
-// Whatever a user puts at the file's name in a home, root never writes through it nor
-// into it, and loading it neither blocks nor reads through a link; a file made new
-// belongs to the user.
+// Whatever a user puts at the file's name in a home, root never writes through it nor into
+// it, and loading it neither blocks nor reads through a link; a new file belongs to the user.
 TEST_F(user_file_test, saves_refuse_what_is_not_the_users_file_and_report_failures)
 {
     const std::string file = root / "home/ann/kestrel.inf", target = root / "target";
@@ -156,8 +154,6 @@ TEST_F(user_file_test, saves_refuse_what_is_not_the_users_file_and_report_failur
     EXPECT_EQ(read_file_text(file), "Version 1.000\nTRUE\nDesk\nRDP\nFALSE\nFALSE\nFALSE\n");
     struct stat st;
     ASSERT_EQ(stat(file.c_str(), &st), 0);
-    if (geteuid() == 0) {
-        EXPECT_EQ(st.st_uid, 1000u);
-    }
+    EXPECT_EQ(st.st_uid, geteuid() == 0 ? 1000u : geteuid());
 }
 }  // namespace

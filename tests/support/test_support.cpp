@@ -2,9 +2,6 @@
 
 #include "platform/message.h"
 
-#include <csignal>
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
@@ -20,72 +17,55 @@ full_disk::full_disk(rlim_t room)
 
 full_disk::~full_disk() { setrlimit(RLIMIT_FSIZE, &old_); }
 
-temp_dir::temp_dir()
+temp_dir::temp_dir() : path_((std::filesystem::temp_directory_path() / "kestrelle-test-XXXXXX").string())
 {
-    std::string pattern = (std::filesystem::temp_directory_path() / "kestrelle-test-XXXXXX").string();
-    if (!mkdtemp(pattern.data()))
+    if (!mkdtemp(path_.data()))
         throw std::runtime_error("mkdtemp failed");
-    path_ = pattern;
 }
 
 temp_dir::~temp_dir()
 {
     std::error_code ignored;
-    std::filesystem::permissions(path_, std::filesystem::perms::owner_all,
-                                 std::filesystem::perm_options::add, ignored);
+    std::filesystem::permissions(path_, std::filesystem::perms::owner_all, std::filesystem::perm_options::add, ignored);
     std::filesystem::remove_all(path_, ignored);
 }
 
 scoped_root::scoped_root(const std::string& root)
+    : old_(std::getenv("KESTRELLE_ROOT") ? std::getenv("KESTRELLE_ROOT") : ""), had_old_(std::getenv("KESTRELLE_ROOT"))
 {
-    const char* old = std::getenv("KESTRELLE_ROOT");
-    had_old_ = old != nullptr;
-    old_ = old ? old : "";
     setenv("KESTRELLE_ROOT", root.c_str(), 1);
 }
 
-scoped_root::~scoped_root()
-{
-    if (had_old_)
-        setenv("KESTRELLE_ROOT", old_.c_str(), 1);
-    else
-        unsetenv("KESTRELLE_ROOT");
-}
+scoped_root::~scoped_root() { had_old_ ? setenv("KESTRELLE_ROOT", old_.c_str(), 1) : unsetenv("KESTRELLE_ROOT"); }
 
 void write_file(const std::string& path, const std::string& contents)
 {
-    std::filesystem::create_directories(std::filesystem::path(path).parent_path());
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out << contents;
+    make_dirs(std::filesystem::path(path).parent_path());
+    std::ofstream(path, std::ios::binary | std::ios::trunc) << contents;
 }
 
 std::string read_file_text(const std::string& path)
 {
-    std::ifstream in(path, std::ios::binary);
     std::ostringstream text;
-    text << in.rdbuf();
+    text << std::ifstream(path, std::ios::binary).rdbuf();
     return text.str();
 }
 
 void make_dirs(const std::string& path) { std::filesystem::create_directories(path); }
 
-namespace {
-std::string dump_rows(GtkTreeModel* model, GtkTreeIter* parent, std::initializer_list<int> columns,
-                      const std::string& indent)
+static std::string dump_rows(GtkTreeModel* model, GtkTreeIter* parent, std::initializer_list<int> columns,
+                             const std::string& indent)
 {
     std::string text;
     GtkTreeIter iter;
-    for (bool more = gtk_tree_model_iter_children(model, &iter, parent); more;
-         more = gtk_tree_model_iter_next(model, &iter)) {
+    for (bool more = gtk_tree_model_iter_children(model, &iter, parent); more; more = gtk_tree_model_iter_next(model, &iter)) {
         text += indent;
-        const char* separator = "";
         for (int column : columns) {
-            text += separator;
-            separator = "|";
-            GValue value = G_VALUE_INIT;
+            GValue value = G_VALUE_INIT, shown = G_VALUE_INIT;
             gtk_tree_model_get_value(model, &iter, column, &value);
-            GValue shown = G_VALUE_INIT;
             g_value_init(&shown, G_TYPE_STRING);
+            if (column != *columns.begin())
+                text += "|";
             if (g_value_transform(&value, &shown) && g_value_get_string(&shown))
                 text += g_value_get_string(&shown);
             g_value_unset(&shown);
@@ -95,7 +75,6 @@ std::string dump_rows(GtkTreeModel* model, GtkTreeIter* parent, std::initializer
     }
     return text;
 }
-}  // namespace
 
 std::string dump_model(GtkTreeModel* model, std::initializer_list<int> columns)
 {
@@ -111,39 +90,19 @@ std::string master_record(const std::string& name, const std::string& type, bool
                           const std::map<int, std::string>& columns)
 {
     std::string lines = name + "\n" + type + "\n" + (ping ? "Standard echo" : "Don't ping") + "\n" + port + "\n";
-    for (int c = 4; c < 35; ++c) {
-        auto given = columns.find(c);
-        lines += (given != columns.end() ? given->second : c == 4 ? "1" : c >= 33 ? "0" : "") + "\n";
-    }
+    for (int c = 4; c < 35; ++c)
+        lines += (columns.contains(c) ? columns.at(c) : c == 4 ? "1" : c >= 33 ? "0" : "") + "\n";
     return lines;
 }
 
-namespace {
-message_recorder* active_recorder = nullptr;
-
-void record_text(const std::string& text)
-{
-    if (active_recorder)
-        active_recorder->label = text;
-}
-
-void record_run()
-{
-    if (active_recorder)
-        active_recorder->shown.push_back(active_recorder->label);
-}
-
-void record_prompt()
-{
-    if (active_recorder)
-        ++active_recorder->prompts;
-}
-}  // namespace
+static message_recorder* active_recorder = nullptr;
 
 message_recorder::message_recorder()
 {
     active_recorder = this;
-    set_message_handlers({record_text, record_run, record_prompt});
+    set_message_handlers({[](const std::string& text) { active_recorder->label = text; },
+                          [] { active_recorder->shown.push_back(active_recorder->label); },
+                          [] { ++active_recorder->prompts; }});
 }
 
 message_recorder::~message_recorder()

@@ -1,7 +1,6 @@
 #pragma once
-// Helpers shared by the tests: a private temporary folder, file contents, models as text,
-// and a recorder for the messages the program would show in its error dialog.
-// It also brings what nearly every test uses: GoogleTest, GTK and the common headers.
+// Helpers shared by the tests: temporary folders, files, models as text, and a recorder for
+// the error dialog's messages. It also brings GoogleTest, GTK and the common headers.
 #include <gtest/gtest.h>
 #include <gtk/gtk.h>
 
@@ -78,16 +77,12 @@ class message_recorder {
 public:
     message_recorder();
     ~message_recorder();
-    // Texts shown (set and run), in order.
-    std::vector<std::string> shown;
-    // The last text set, shown or not.
-    std::string label;
-    // Reconnect prompts asked for.
-    int prompts = 0;
+    std::vector<std::string> shown;  // texts shown (set and run), in order
+    std::string label;               // the last text set, shown or not
+    int prompts = 0;                 // reconnect prompts asked for
 };
 
-// The fixture of the tests that touch files: a private root that KESTRELLE_ROOT points at,
-// and the messages shown meanwhile.
+// A private root that KESTRELLE_ROOT points at, and the messages shown meanwhile.
 class rooted_test : public ::testing::Test {
 protected:
     temp_dir root;
