@@ -84,8 +84,7 @@ int main(int argc, char** argv)
         const gui_timing::scratch_root scratch;
         const std::string& root = scratch.path();
         tmp_dir = root + "/tmp";
-        ica_dir = root + "/etc/.kestrel";
-        wfclient_file = ica_dir + "/wfclient.ini";
+        set_ica_dir(root + "/etc/.kestrel");
         g_mkdir_with_parents(tmp_dir.c_str(), 0755);
         g_mkdir_with_parents(ica_dir.c_str(), 0755);
         make_pnabrowse(root, names);

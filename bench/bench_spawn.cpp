@@ -82,8 +82,7 @@ struct sandbox {
         const char* path = std::getenv("PATH");
         setenv("PATH", (root + "/bin:" + (path ? path : "/usr/bin:/bin")).c_str(), 1);
         setenv("KEST_FAKE_STAMP", stamp.c_str(), 1);
-        ica_dir = root + "/etc/.kestrel";
-        wfclient_file = ica_dir + "/wfclient.ini";
+        set_ica_dir(root + "/etc/.kestrel");
         master_connection_list = create_master_store();
         current_user_connection_tree = create_user_tree_store();
         fill_master_list();

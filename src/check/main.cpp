@@ -65,8 +65,7 @@ void set_up(const std::string& root)
         setenv("KESTRELLE_ROOT", root.c_str(), 1);
     set_message_handlers({ignore_text, ignore_run});
     fill_seedchars();
-    ica_dir = root_path(config_dir);
-    wfclient_file = ica_dir + "/wfclient.ini";
+    set_ica_dir(root_path(config_dir));
     find_x_files();
     make_x_keymap();
     make_rdesktop_keymap();

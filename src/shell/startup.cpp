@@ -195,8 +195,7 @@ int kestrelle_main(int argc, char** argv, GCallback advanced_dialog)
     build_main_window();
     finish_support_files();
     find_citrix_client();
-    ica_dir = root_path(config_dir);
-    wfclient_file = ica_dir + "/wfclient.ini";
+    set_ica_dir(root_path(config_dir));
     parse_zarvooptions();
     find_x_files();
     find_programs();

@@ -9,3 +9,6 @@ inline constexpr const char* config_dir = "/etc/.kestrel";
 extern std::string ica_dir;        // config_dir, root prefix applied
 extern std::string wfclient_file;  // ica_dir + "/wfclient.ini"
 extern std::string ica_root;       // the Citrix client's installation directory
+
+// Makes dir (a resolved path) the folder of appsrv.ini and wfclient.ini.
+void set_ica_dir(const std::string& dir);

@@ -43,9 +43,8 @@ protected:
     {
         const std::string root = work / name;
         setenv("KESTRELLE_ROOT", root.c_str(), 1);
-        ica_dir = root + "/etc/.kestrel";
+        set_ica_dir(root + "/etc/.kestrel");
         tmp_dir = root + "/tmp/.kestrel";
-        wfclient_file = ica_dir + "/wfclient.ini";
         return root;
     }
     std::string shown() const { return std::accumulate(messages.shown.begin(), messages.shown.end(), std::string()); }

@@ -312,8 +312,7 @@ admin_test::admin_test()
                                     "bob:x:1001:1001::/home/bob:/bin/sh\n");
     write_file(root / "etc/group", "root:x:0:admin\n");
     fill_seedchars();
-    ica_dir = root / "etc/.kestrel";
-    wfclient_file = ica_dir + "/wfclient.ini";
+    set_ica_dir(root / "etc/.kestrel");
     ica_root = root / "opt/ICAClient";
     current_user_name = selected_user_name = "admin";
     current_user_filename = root / "home/admin/kestrel.inf";

@@ -75,8 +75,7 @@ protected:
     {
         make_dirs(root / "etc/.kestrel");
         make_dirs(root / "tmp");
-        ica_dir = root / "etc/.kestrel";
-        wfclient_file = ica_dir + "/wfclient.ini";
+        set_ica_dir(root / "etc/.kestrel");
         tmp_dir = root / "tmp";
         ica_root = "";
     }
