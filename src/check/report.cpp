@@ -158,7 +158,7 @@ void print_report(const check_report& report, FILE* out)
     for (const user_view& u : report.users) {
         std::fprintf(out, "user %s: %s\n", u.user.empty() ? "(by home directory)" : u.user.c_str(),
                      u.file.c_str());
-        for (const tree_group& g : u.rows) {
+        for (const primary_group& g : u.rows) {
             std::fprintf(out, "  %s (%s)%s\n", quoted(g.primary.name).c_str(), g.primary.type.c_str(),
                          human_flags(g.primary).c_str());
             for (const tree_row& s : g.secondaries)

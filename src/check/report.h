@@ -4,6 +4,7 @@
 // program reads a file differently from what the file seems to say.
 #include "launch/command_line.h"
 #include "store/record.h"
+#include "store/user_file.h"
 
 #include <optional>
 #include <string>
@@ -26,15 +27,10 @@ struct connection_view {
     std::string xkbcomp;                               // XDM: the map compiled first, if any
 };
 
-struct tree_group {
-    tree_row primary;
-    std::vector<tree_row> secondaries;
-};
-
 struct user_view {
     std::string user;
     std::string file;
-    std::vector<tree_group> rows;
+    std::vector<primary_group> rows;
 };
 
 struct check_report {

@@ -6,20 +6,6 @@
 
 namespace {
 
-std::vector<tree_group> groups_of(GtkTreeModel* tree)
-{
-    std::vector<tree_group> groups;
-    GtkTreeIter primary, secondary;
-    for (bool more = gtk_tree_model_get_iter_first(tree, &primary); more;
-         more = gtk_tree_model_iter_next(tree, &primary)) {
-        groups.push_back({read_tree_row(tree, &primary), {}});
-        for (bool child = gtk_tree_model_iter_children(tree, &secondary, &primary); child;
-             child = gtk_tree_model_iter_next(tree, &secondary))
-            groups.back().secondaries.push_back(read_tree_row(tree, &secondary));
-    }
-    return groups;
-}
-
 void check_flags(check_report& report, const std::string& file, int line, const tree_row& row, bool secondary)
 {
     const std::string who = quoted(row.name) + " (" + row.type + ")";
@@ -51,11 +37,11 @@ void check_user_tree(check_report& report, const master_view& master, const std:
         return master.contains(name, type);
     };
     make_connection_tree(tree, path.c_str(), user_lines_per_row, nullptr, known, &observer);
-    user_view view{user, file, groups_of(GTK_TREE_MODEL(tree))};
+    user_view view{user, file, connection_groups(GTK_TREE_MODEL(tree))};
     g_object_unref(tree);
     size_t row = 0;
     auto line_of = [&]() { return row < kept_lines.size() ? kept_lines[row++] : 0; };
-    for (tree_group& group : view.rows) {
+    for (primary_group& group : view.rows) {
         check_flags(report, file, line_of(), group.primary, false);
         for (const tree_row& secondary : group.secondaries)
             check_flags(report, file, line_of(), secondary, true);

@@ -93,11 +93,6 @@ void insert_row(GtkTreeStore* tree, GtkTreeIter* parent, int position, const tre
         g_value_unset(&values[i]);
 }
 
-struct primary_group {
-    tree_row primary;
-    std::vector<tree_row> secondaries;
-};
-
 // A tree store finds the place of every new row by counting its siblings from the first,
 // so rows appended one by one make a long file slow to load. An empty tree is therefore
 // filled from the end, each row going in first, where nothing has to be counted.
@@ -125,9 +120,8 @@ void add_groups(GtkTreeStore* tree, const std::vector<primary_group>& groups, gr
 
 // A row's columns as its file holds them: the process and status columns as a load
 // leaves them.
-tree_row file_columns(GtkTreeModel* model, GtkTreeIter* iter)
+tree_row file_columns(const tree_row& shown)
 {
-    const tree_row shown = read_tree_row(model, iter);
     tree_row row;
     row.primary = shown.primary;
     row.name = shown.name;
@@ -205,16 +199,27 @@ void make_connection_tree(GtkTreeStore* tree, const char* path, int lines_per_ro
     add_groups(tree, groups, group_added);
 }
 
-void copy_connection_tree(GtkTreeModel* from, GtkTreeStore* to)
+std::vector<primary_group> connection_groups(GtkTreeModel* tree)
 {
     std::vector<primary_group> groups;
     GtkTreeIter primary, secondary;
-    for (bool more = gtk_tree_model_get_iter_first(from, &primary); more;
-         more = gtk_tree_model_iter_next(from, &primary)) {
-        groups.push_back({file_columns(from, &primary), {}});
-        for (bool child = gtk_tree_model_iter_children(from, &secondary, &primary); child;
-             child = gtk_tree_model_iter_next(from, &secondary))
-            groups.back().secondaries.push_back(file_columns(from, &secondary));
+    for (bool more = gtk_tree_model_get_iter_first(tree, &primary); more;
+         more = gtk_tree_model_iter_next(tree, &primary)) {
+        groups.push_back({read_tree_row(tree, &primary), {}});
+        for (bool child = gtk_tree_model_iter_children(tree, &secondary, &primary); child;
+             child = gtk_tree_model_iter_next(tree, &secondary))
+            groups.back().secondaries.push_back(read_tree_row(tree, &secondary));
+    }
+    return groups;
+}
+
+void copy_connection_tree(GtkTreeModel* from, GtkTreeStore* to)
+{
+    std::vector<primary_group> groups = connection_groups(from);
+    for (primary_group& group : groups) {
+        group.primary = file_columns(group.primary);
+        for (tree_row& row : group.secondaries)
+            row = file_columns(row);
     }
     add_groups(to, groups, nullptr);
 }

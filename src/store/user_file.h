@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <functional>
 #include <string>
+#include <vector>
 
 inline constexpr const char* user_file_name = "/kestrel.inf";
 inline constexpr int user_lines_per_row = 6;  // lines of one row in the file
@@ -22,6 +23,13 @@ using connection_known_fn = std::function<bool(const std::string& name, const st
 void make_connection_tree(GtkTreeStore* tree, const char* path, int lines_per_row,
                           group_added_fn group_added = nullptr, const connection_known_fn& known = nullptr,
                           const read_observer* observer = nullptr);
+// A primary row and its secondary rows, in tree order.
+struct primary_group {
+    tree_row primary;
+    std::vector<tree_row> secondaries;
+};
+// The rows of tree, group by group, as read_tree_row gives them.
+std::vector<primary_group> connection_groups(GtkTreeModel* tree);
 // Appends the rows of from to to as a load of from's file would have made them.
 void copy_connection_tree(GtkTreeModel* from, GtkTreeStore* to);
 // Writes tree to the named user's file, whole, then reloads
