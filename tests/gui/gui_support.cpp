@@ -3,21 +3,14 @@
 #include "admin/advanced.h"
 #include "editors/editors.h"
 #include "launch/launch_fixture.h"
-#include "launch/spawn.h"
 #include "platform/log.h"
 #include "store/master_file.h"
 #include "store/password.h"
-#include "store/user_file.h"
 #include "ui/widgets.h"
 
 #include <chrono>
-#include <sstream>
 #include <thread>
 
-namespace {
-
-// The first widget at or below widget that match accepts; a button's caption is not
-// part of a dialog's text, so buttons are not entered.
 GtkWidget* find_below(GtkWidget* widget, const std::function<bool(GtkWidget*)>& match)
 {
     if (match(widget))
@@ -32,10 +25,7 @@ GtkWidget* find_below(GtkWidget* widget, const std::function<bool(GtkWidget*)>& 
     return found;
 }
 
-const char* button_label(GtkWidget* widget)
-{
-    return GTK_IS_BUTTON(widget) ? gtk_button_get_label(GTK_BUTTON(widget)) : nullptr;
-}
+namespace {
 
 GtkWidget* find_toplevel(const std::function<bool(GtkWidget*)>& match)
 {
@@ -48,11 +38,6 @@ GtkWidget* find_toplevel(const std::function<bool(GtkWidget*)>& match)
     return found;
 }
 
-GtkEntry* entry_of(GtkWidget* widget)
-{
-    return GTK_IS_COMBO_BOX(widget) ? GTK_ENTRY(gtk_bin_get_child(GTK_BIN(widget))) : GTK_ENTRY(widget);
-}
-
 }  // namespace
 
 void pump_events(int milliseconds)
@@ -63,28 +48,11 @@ void pump_events(int milliseconds)
             gtk_main_iteration_do(FALSE);
 }
 
-texts button_labels(GtkWidget* container)
-{
-    texts labels;
-    find_below(container, [&](GtkWidget* w) { return button_label(w) && (labels.push_back(button_label(w)), false); });
-    return labels;
-}
-
-std::string label_text(GtkWidget* container)
-{
-    std::string text;
-    find_below(container, [&](GtkWidget* w) { return GTK_IS_LABEL(w) && (text += gtk_label_get_text(GTK_LABEL(w)), false); });
-    return text;
-}
-
 GtkWidget* find_button(GtkWidget* container, const std::string& label)
 {
-    return find_below(container, [&](GtkWidget* w) { return button_label(w) && label == button_label(w); });
-}
-
-GtkWidget* find_widget(GtkWidget* container, GType type)
-{
-    return find_below(container, [&](GtkWidget* w) { return G_TYPE_CHECK_INSTANCE_TYPE(w, type); });
+    return find_below(container, [&](GtkWidget* w) {
+        return GTK_IS_BUTTON(w) && label == (gtk_button_get_label(GTK_BUTTON(w)) ?: "");
+    });
 }
 
 GtkWidget* find_window(const std::string& title)
@@ -100,7 +68,9 @@ void answer_next_dialog(std::string* text, int response)
         if (!dialog)
             return TRUE;  // not up yet: look again
         auto* pending = static_cast<answer*>(data);
-        *pending->first = label_text(dialog);
+        std::string& text = *pending->first;
+        text.clear();
+        find_below(dialog, [&](GtkWidget* w) { return GTK_IS_LABEL(w) && (text += gtk_label_get_text(GTK_LABEL(w)), false); });
         gtk_dialog_response(GTK_DIALOG(dialog), pending->second);
         delete pending;
         return FALSE;
@@ -136,7 +106,11 @@ GtkWidget* named(GtkWidget* window, const char* name)
     return widget;
 }
 
-std::string text_of(GtkWidget* window, const char* name) { return gtk_entry_get_text(entry_of(named(window, name))); }
+std::string text_of(GtkWidget* window, const char* name)
+{
+    GtkWidget* widget = named(window, name);
+    return gtk_entry_get_text(GTK_ENTRY(GTK_IS_COMBO_BOX(widget) ? gtk_bin_get_child(GTK_BIN(widget)) : widget));
+}
 
 void type_text(GtkWidget* window, const char* name, const std::string& text)
 {
@@ -166,68 +140,6 @@ void select_row(GtkWidget* window, const char* view, const char* path)
     gtk_tree_path_free(at);
 }
 
-namespace {
-
-void collect_shown(GtkWidget* widget, texts& shown)
-{
-    const std::string name = gtk_widget_get_name(widget);
-    const bool ours = name.rfind("Gtk", 0) != 0;
-    if (ours && GTK_IS_TOGGLE_BUTTON(widget)) {
-        if (gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(widget)))
-            shown.push_back(name);
-    } else if (ours && (GTK_IS_ENTRY(widget) || GTK_IS_COMBO_BOX(widget))) {
-        const bool plain_combo = GTK_IS_COMBO_BOX(widget) && !gtk_bin_get_child(GTK_BIN(widget));
-        const std::string text = plain_combo ? combo_text(widget) : gtk_entry_get_text(entry_of(widget));
-        if (!text.empty())
-            shown.push_back(name + "=" + text);
-    } else if (GTK_IS_CONTAINER(widget)) {
-        GList* children = gtk_container_get_children(GTK_CONTAINER(widget));
-        for (GList* child = children; child; child = child->next)
-            collect_shown(GTK_WIDGET(child->data), shown);
-        g_list_free(children);
-    }
-}
-
-}  // namespace
-
-std::string shown_values(GtkWidget* window)
-{
-    texts shown;
-    collect_shown(window, shown);
-    std::sort(shown.begin(), shown.end());
-    std::string text;
-    for (const std::string& item : shown)
-        text += (text.empty() ? "" : "; ") + item;
-    return text;
-}
-
-connection_record parse_row(const std::string& columns)
-{
-    connection_record record;
-    std::istringstream fields(columns);
-    for (int c = 0; c < MC_COUNT; ++c)
-        std::getline(fields, record[c], '|');
-    record.ping_first = record[MC_PING] == "TRUE";
-    record.from_file = record[MC_FROM_FILE] == "TRUE";
-    record[MC_PING] = record[MC_FROM_FILE] = "";
-    record[MC_PASSWORD] = pad_password(record[MC_PASSWORD], record[MC_NAME]);
-    return record;
-}
-
-std::string row_text(const connection_record& record)
-{
-    std::string text;
-    for (int c = 0; c < MC_COUNT; ++c) {
-        std::string column = record[c];
-        if (c == MC_PING || c == MC_FROM_FILE)
-            column = (c == MC_PING ? record.ping_first : record.from_file) ? "TRUE" : "FALSE";
-        else if (c == MC_PASSWORD)
-            column = unpad_password(column, record[MC_NAME]);
-        text += (c ? "|" : "") + column;
-    }
-    return text;
-}
-
 gui_test::gui_test() : old_path_(std::getenv("PATH"))
 {
     tmp_dir = root / "tmp/.kestrel";
@@ -245,13 +157,10 @@ gui_test::~gui_test()
     GList* windows = gtk_window_list_toplevels();
     g_list_foreach(windows, [](gpointer window, gpointer) { g_object_ref(window); }, nullptr);
     for (GList* w = windows; w; w = w->next)
-        if (w->data != error_dialog && w->data != reconnect_dialog &&
-            (w->data == root_window || gtk_widget_get_visible(GTK_WIDGET(w->data))))
+        if (w->data == root_window || w->data == error_dialog || w->data == reconnect_dialog ||
+            gtk_widget_get_visible(GTK_WIDGET(w->data)))
             gtk_widget_destroy(GTK_WIDGET(w->data));
     g_list_free_full(windows, g_object_unref);
-    for (GtkWidget* window : {error_dialog, reconnect_dialog})
-        if (window)
-            gtk_widget_destroy(window);
     pump_events(20);
     root_window = error_dialog = reconnect_dialog = nullptr;
     g_clear_object(&master_connection_list);
@@ -273,33 +182,6 @@ void gui_test::open_main_window(shell_setup setup, GCallback advanced)
         add_advanced_button(advanced);
     show_main_window();
     pump_events();
-}
-
-std::string gui_test::cell(const char* path, int column) const
-{
-    GtkTreeIter iter{};
-    gtk_tree_model_get_iter_from_string(GTK_TREE_MODEL(current_user_connection_tree), &iter, path);
-    return model_text(GTK_TREE_MODEL(current_user_connection_tree), &iter, column);
-}
-
-shell_window_test::shell_window_test()
-{
-    connection_record desk;
-    desk[MC_NAME] = "Desk";
-    desk[MC_TYPE] = "Other";
-    desk[MC_PING_PORT] = "0";
-    desk[MC_PROGRAM] = "sleep 4";
-    insert_master_row(master_connection_list, -1, desk);
-    GtkTreeIter row;
-    gtk_tree_store_append(current_user_connection_tree, &row, nullptr);
-    write_tree_row(current_user_connection_tree, &row, {true, "Desk", "Other", false, true});
-}
-
-shell_window_test::~shell_window_test()
-{
-    pid_t pid = session_process_id(std::stoi(cell("0", TC_PID)));
-    if (pid > 0 && kill(pid, SIGKILL) == 0)
-        waitpid(pid, nullptr, 0);
 }
 
 void ica_opener(GtkWidget*, GtkTreeModel*, GtkTreePath* path) { ica_dialog(path); }
@@ -332,15 +214,6 @@ admin_test::~admin_test()
     g_clear_object(&selected_user_connection_tree);
     g_clear_object(&rdesktop_keymap_list);
     g_clear_object(&keymap_list);
-}
-
-void admin_test::load(const std::string& master_list, const std::string& user_tree)
-{
-    write_file(root / "etc/.kestrel/kestrel.master", master_list);
-    write_file(current_user_filename, user_tree);
-    make_connection_list(master_connection_list, (root / "etc/.kestrel/kestrel.master").c_str(), 35);
-    for (GtkTreeStore* tree : {current_user_connection_tree, selected_user_connection_tree})
-        make_connection_tree(tree, current_user_filename.c_str(), 6);
 }
 
 GtkWidget* admin_test::open_advanced()

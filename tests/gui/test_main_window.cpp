@@ -9,6 +9,36 @@ namespace {
 
 constexpr const char* warning = "\nPlease close all active connections before exiting.";
 
+std::string desk_cell(int column)
+{
+    GtkTreeIter desk{};
+    gtk_tree_model_get_iter_first(GTK_TREE_MODEL(current_user_connection_tree), &desk);
+    return model_text(GTK_TREE_MODEL(current_user_connection_tree), &desk, column);
+}
+
+// A user's shell with one persistent connection, "Desk", an "Other" command.
+class shell_window_test : public gui_test {
+protected:
+    shell_window_test()
+    {
+        connection_record desk;
+        desk[MC_NAME] = "Desk";
+        desk[MC_TYPE] = "Other";
+        desk[MC_PING_PORT] = "0";
+        desk[MC_PROGRAM] = "sleep 4";
+        insert_master_row(master_connection_list, -1, desk);
+        GtkTreeIter row;
+        gtk_tree_store_append(current_user_connection_tree, &row, nullptr);
+        write_tree_row(current_user_connection_tree, &row, {true, "Desk", "Other", false, true});
+    }
+    ~shell_window_test() override
+    {
+        pid_t pid = session_process_id(std::stoi(desk_cell(TC_PID)));
+        if (pid > 0 && kill(pid, SIGKILL) == 0)
+            waitpid(pid, nullptr, 0);
+    }
+};
+
 void send_delete_event(GtkWidget* window)
 {
     GdkEvent* event = gdk_event_new(GDK_DELETE);
@@ -35,13 +65,17 @@ TEST_F(shell_window_test, exit_shutdown_and_close_by_mode_rights_and_sessions)
     };
     for (const auto& e : table) {
         open_main_window(e.setup);
-        EXPECT_EQ(button_labels(root_window), e.buttons);
+        texts buttons;
+        find_below(root_window, [&](GtkWidget* w) {
+            return GTK_IS_BUTTON(w) && (buttons.push_back(gtk_button_get_label(GTK_BUTTON(w))), false);
+        });
+        EXPECT_EQ(buttons, e.buttons);
         EXPECT_TRUE(gtk_widget_has_default(find_button(root_window, "_Connect")));
-        if (e.session && cell("0", TC_PID) == "0") {
+        if (e.session && desk_cell(TC_PID) == "0") {
             GtkTreeIter desk{};
             gtk_tree_model_get_iter_first(GTK_TREE_MODEL(current_user_connection_tree), &desk);
             spawn_connection(GTK_TREE_MODEL(current_user_connection_tree), &desk);
-            ASSERT_EQ(cell("0", TC_STATUS), "Active");
+            ASSERT_EQ(desk_cell(TC_STATUS), "Active");
         }
         std::string shown;
         if (e.session)
@@ -85,9 +119,9 @@ TEST_F(shell_window_test, end_session_offers_and_runs_what_the_user_may_do)
         click(root_window, "Sh_utdown");
         GtkWidget* window = find_window("End Session");
         ASSERT_NE(window, nullptr);
-        GtkComboBox* choice = GTK_COMBO_BOX(find_widget(window, GTK_TYPE_COMBO_BOX));
+        GtkComboBox* choice = GTK_COMBO_BOX(find_below(window, [](GtkWidget* w) { return GTK_IS_COMBO_BOX(w); }));
         EXPECT_EQ(dump_model(gtk_combo_box_get_model(choice), {0}), e.choices);
-        GtkWidget* entry = find_widget(window, GTK_TYPE_ENTRY);
+        GtkWidget* entry = gtk_bin_get_child(GTK_BIN(choice));
         EXPECT_STREQ(gtk_entry_get_text(GTK_ENTRY(entry)), "Quit current session");
         EXPECT_FALSE(gtk_editable_get_editable(GTK_EDITABLE(entry)));
         if (e.last == 2)
