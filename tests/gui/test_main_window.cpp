@@ -1,5 +1,5 @@
 // The main window's buttons and the ways out of it: Exit, Shutdown, closing, End Session.
-// Connect and signals are driven end to end in tests/e2e (connect.sh, startup.sh).
+// Connect and signals are driven end to end in tests/e2e.
 #include "gui/gui_support.h"
 
 #include "launch/spawn.h"
@@ -48,20 +48,26 @@ void send_delete_event(GtkWidget* window)
     gdk_event_free(event);
 }
 
-// The buttons follow the mode and the rights; nothing here may end the program, and only
-// the shell's way out with no session running opens End Session.
-TEST_F(shell_window_test, exit_shutdown_and_close_by_mode_rights_and_sessions)
+// Exit is Shutdown in the shell, Advanced needs the right; nothing here may end the
+// program. With a session running every way out warns; without one the shell's opens End
+// Session, which offers what the user may do and runs the choice (the machine's shutdown
+// is left to remove the support folder).
+TEST_F(shell_window_test, ways_out_by_mode_rights_and_sessions)
 {
-    const texts user{"_Connect", "E_xit", "_Settings", "_Help"}, shell{"_Connect", "Sh_utdown", "_Settings", "_Help"};
-    const texts admin{"_Connect", "E_xit", "_Settings", "Ad_vanced", "_Help"};
-    const texts shell_admin{"_Connect", "Sh_utdown", "_Settings", "Ad_vanced", "_Help"};
-    // The button pressed (null: the window is closed), the warning shown, the window kept.
-    const struct { shell_setup setup; texts buttons; bool session; const char *button, *shown; bool window_kept; } table[] = {
-        {{true, false}, shell, false, nullptr, "", true},
-        {{false, false}, user, true, "E_xit", warning, true},
-        {{true, true}, shell_admin, true, "Sh_utdown", warning, true},
-        {{false, true}, admin, true, nullptr, warning, false},  // the window goes, the program stays
-        {{false, false}, user, true, nullptr, warning, true},
+    for (std::string program : {"reboot", "poweroff"})
+        add_program(root / ("bin/" + program), "echo " + program + " >> " + (root / "machine"));
+    const std::string quit = "Quit current session\n", off = "Turn off computer\n", reboot = "Reboot the computer\n";
+    // The button pressed (null: the window is closed), the window kept, then End Session's
+    // choices and the one taken (0: Cancel, as Quit would end this program).
+    const struct { shell_setup setup; bool session; const char* button; bool kept; std::string choices; int taken; } table[] = {
+        {{true}, false, nullptr, true, quit, 0},
+        {{true, false, false, true}, false, "Sh_utdown", true, quit + reboot, 1},
+        {{true, false, true}, false, "Sh_utdown", true, quit + off, 1},
+        {{true, true}, false, "Sh_utdown", true, quit + off + reboot, 2},
+        {{false}, true, "E_xit", true, "", 0},
+        {{true, true}, true, "Sh_utdown", true, "", 0},
+        {{false, true}, true, nullptr, false, "", 0},  // the window goes, the program stays
+        {{false}, true, nullptr, true, "", 0},
     };
     for (const auto& e : table) {
         open_main_window(e.setup);
@@ -69,7 +75,10 @@ TEST_F(shell_window_test, exit_shutdown_and_close_by_mode_rights_and_sessions)
         find_below(root_window, [&](GtkWidget* w) {
             return GTK_IS_BUTTON(w) && (buttons.push_back(gtk_button_get_label(GTK_BUTTON(w))), false);
         });
-        EXPECT_EQ(buttons, e.buttons);
+        texts expected{"_Connect", e.setup.shell ? "Sh_utdown" : "E_xit", "_Settings", "_Help"};
+        if (e.setup.admin)
+            expected.insert(expected.begin() + 3, "Ad_vanced");
+        EXPECT_EQ(buttons, expected);
         EXPECT_TRUE(gtk_widget_has_default(find_button(root_window, "_Connect")));
         if (e.session && desk_cell(TC_PID) == "0") {
             GtkTreeIter desk{};
@@ -81,62 +90,34 @@ TEST_F(shell_window_test, exit_shutdown_and_close_by_mode_rights_and_sessions)
         if (e.session)
             answer_next_dialog(&shown);
         if (e.button)
-            gtk_button_clicked(GTK_BUTTON(find_button(root_window, e.button)));
+            click(root_window, e.button);
         else
             send_delete_event(root_window);
         pump_events();
-        EXPECT_EQ(shown, e.shown);
-        EXPECT_EQ(root_window != nullptr, e.window_kept);
-        EXPECT_TRUE(is_directory(tmp_dir));
+        EXPECT_EQ(shown, e.session ? warning : "");
+        EXPECT_EQ(root_window != nullptr, e.kept);
         GtkWidget* end_session = find_window("End Session");
-        ASSERT_EQ(end_session != nullptr, !e.session);
+        ASSERT_EQ(end_session != nullptr, !e.choices.empty());
         if (end_session) {
             EXPECT_FALSE(gtk_widget_get_visible(root_window));
-            click(end_session, "_Cancel");
+            GtkComboBox* choice = GTK_COMBO_BOX(find_below(end_session, [](GtkWidget* w) { return GTK_IS_COMBO_BOX(w); }));
+            EXPECT_EQ(dump_model(gtk_combo_box_get_model(choice), {0}), e.choices);
+            GtkWidget* entry = gtk_bin_get_child(GTK_BIN(choice));
+            EXPECT_EQ(gtk_entry_get_text(GTK_ENTRY(entry)) + std::string("\n"), quit);
+            EXPECT_FALSE(gtk_editable_get_editable(GTK_EDITABLE(entry)));
+            if (e.taken == 2)
+                save_screenshot(end_session, "end_session");
+            gtk_combo_box_set_active(choice, e.taken);
+            click(end_session, e.taken ? "_Ok" : "_Cancel");
             EXPECT_EQ(find_window("End Session"), nullptr);
             EXPECT_TRUE(gtk_widget_get_visible(root_window));
         }
         if (root_window)
             gtk_widget_destroy(root_window);
     }
-    EXPECT_EQ(read_file_text(root / "tmp/zarvoca.log").find("Cleaning"), std::string::npos);
-}
-
-// End Session offers what the user may do and runs the last choice; the machine's
-// shutdown is left to remove the support folder.
-TEST_F(shell_window_test, end_session_offers_and_runs_what_the_user_may_do)
-{
-    for (std::string program : {"reboot", "poweroff"})
-        add_program(root / ("bin/" + program), "echo " + program + " >> " + (root / "machine"));
-    const struct { shell_setup setup; std::string choices; int last; } table[] = {
-        {{true, false, false, false}, "Quit current session\n", 0},
-        {{true, false, false, true}, "Quit current session\nReboot the computer\n", 1},
-        {{true, false, true, false}, "Quit current session\nTurn off computer\n", 1},
-        {{true, true}, "Quit current session\nTurn off computer\nReboot the computer\n", 2},
-    };
-    for (const auto& e : table) {
-        open_main_window(e.setup);
-        click(root_window, "Sh_utdown");
-        GtkWidget* window = find_window("End Session");
-        ASSERT_NE(window, nullptr);
-        GtkComboBox* choice = GTK_COMBO_BOX(find_below(window, [](GtkWidget* w) { return GTK_IS_COMBO_BOX(w); }));
-        EXPECT_EQ(dump_model(gtk_combo_box_get_model(choice), {0}), e.choices);
-        GtkWidget* entry = gtk_bin_get_child(GTK_BIN(choice));
-        EXPECT_STREQ(gtk_entry_get_text(GTK_ENTRY(entry)), "Quit current session");
-        EXPECT_FALSE(gtk_editable_get_editable(GTK_EDITABLE(entry)));
-        if (e.last == 2)
-            save_screenshot(window, "end_session");
-        if (e.last == 0) {
-            gtk_widget_destroy(window);  // Ok would end this test program
-        } else {
-            gtk_combo_box_set_active(choice, e.last);
-            click(window, "_Ok");
-            EXPECT_EQ(find_window("End Session"), nullptr);
-        }
-        gtk_widget_destroy(root_window);
-    }
     EXPECT_EQ(read_file_text(root / "machine"), "reboot\npoweroff\nreboot\n");
     EXPECT_TRUE(is_directory(tmp_dir));
+    EXPECT_EQ(read_file_text(root / "tmp/zarvoca.log").find("Cleaning"), std::string::npos);
 }
 
 }  // namespace
