@@ -117,21 +117,17 @@ std::string text_of(GtkWidget* window, const char* name)
 
 void type_text(GtkWidget* window, const char* name, const std::string& text)
 {
-    GtkWidget* widget = named(window, name);
-    if (GTK_IS_COMBO_BOX(widget))
-        set_combo_text(widget, text);
-    else
-        gtk_entry_set_text(GTK_ENTRY(widget), text.c_str());
+    gtk_entry_set_text(GTK_ENTRY(named(window, name)), text.c_str());
 }
 
-void set_box(GtkWidget* window, const char* name, bool on) { gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(named(window, name)), on); }
+void set_box(GtkWidget* window, const char* name, bool on)
+{
+    gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(named(window, name)), on);
+}
 
 void click(GtkWidget* window, const char* label)
 {
-    GtkWidget* button = window ? find_button(window, label) : nullptr;
-    if (!button)
-        button = named(window, label);
-    if (button)
+    if (GtkWidget* button = find_button(window, label) ?: named(window, label))
         gtk_button_clicked(GTK_BUTTON(button));
     pump_events(10);
 }

@@ -7,7 +7,6 @@
 #include "store/models.h"
 #include "store/record.h"
 #include "support/test_support.h"
-#include "ui/form.h"
 
 #include <memory>
 
@@ -30,7 +29,7 @@ void add_program(const std::string& file, const std::string& body);  // a fake s
 // Named controls (gtk_widget_set_name) of a window; a failed lookup fails the test.
 GtkWidget* named(GtkWidget* window, const char* name);
 std::string text_of(GtkWidget* window, const char* name);  // an entry or a combo's entry
-void type_text(GtkWidget* window, const char* name, const std::string& text);
+void type_text(GtkWidget* window, const char* name, const std::string& text);  // an entry
 void set_box(GtkWidget* window, const char* name, bool on);
 void click(GtkWidget* window, const char* label);  // by label, else by widget name
 void select_row(GtkWidget* window, const char* view, const char* path);
