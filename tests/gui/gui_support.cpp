@@ -1,12 +1,8 @@
 #include "gui/gui_support.h"
 
 #include "admin/advanced.h"
-#include "editors/editors.h"
 #include "launch/launch_fixture.h"
 #include "platform/log.h"
-#include "store/master_file.h"
-#include "store/password.h"
-#include "ui/widgets.h"
 
 #include <chrono>
 #include <thread>
@@ -213,13 +209,6 @@ admin_test::~admin_test()
     g_clear_object(&selected_user_connection_tree);
     g_clear_object(&rdesktop_keymap_list);
     g_clear_object(&keymap_list);
-}
-
-GtkWidget* admin_test::open_advanced()
-{
-    gtk_button_clicked(GTK_BUTTON(find_button(root_window, "Ad_vanced")));
-    pump_events();
-    return find_window("Advanced Configuration");
 }
 
 GtkWidget* admin_test::open(editor_opener opener, const char* title, const std::string& name, const std::string& type)

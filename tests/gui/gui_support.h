@@ -1,12 +1,17 @@
 #pragma once
 // The GUI tests' helpers: real windows under Xvfb, driven through GTK in the test process.
+#include "editors/editors.h"
+#include "platform/paths.h"
 #include "platform/tmp_files.h"
 #include "shell/globals.h"
 #include "shell/main_window.h"
 #include "store/ica_paths.h"
+#include "store/master_file.h"
 #include "store/models.h"
+#include "store/password.h"
 #include "store/record.h"
 #include "support/test_support.h"
+#include "ui/widgets.h"
 
 #include <memory>
 
@@ -58,7 +63,6 @@ class admin_test : public gui_test {
 protected:
     admin_test();
     ~admin_test() override;
-    GtkWidget* open_advanced();  // null when it did not open
     // An editor on the master row (name, type), or on a new connection when name is empty.
     GtkWidget* open(editor_opener opener, const char* title, const std::string& name = "",
                     const std::string& type = "");

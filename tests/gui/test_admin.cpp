@@ -1,12 +1,8 @@
 // The administrator's windows driven as an administrator would, with the files on disk
 // compared byte for byte.
 #include "admin/user_tree_edit.h"
-#include "editors/editors.h"
 #include "gui/gui_support.h"
-#include "platform/paths.h"
-#include "store/master_file.h"
 #include "store/user_file.h"
-#include "ui/widgets.h"
 
 namespace {
 
@@ -27,13 +23,17 @@ protected:
         for (GtkTreeStore* tree : {current_user_connection_tree, selected_user_connection_tree})
             make_connection_tree(tree, current_user_filename.c_str(), 6);
     }
+    static GtkWidget* open_advanced()  // null when it did not open
+    {
+        click(root_window, "Ad_vanced");
+        return find_window("Advanced Configuration");
+    }
     static std::string user_tree() { return dump_model(GTK_TREE_MODEL(selected_user_connection_tree), {TC_NAME}); }
 
     const std::string master_path = root / "etc/.kestrel/kestrel.master";
 };
 
-// A refused Save keeps the editor open with what was typed (the type chooser is driven
-// end to end in tests/e2e/administer.sh).
+// A refused Save keeps the editor open with what was typed.
 TEST_F(advanced_test, a_new_name_must_be_given_and_free_for_its_type)
 {
     const struct { editor_opener opener; const char *title, *name, *refusal; } table[] = {  // null: saved

@@ -1,11 +1,7 @@
 // What every editor shares, run over all of them: the binding round trip and the columns
 // of a new connection; and the ICA editor's server list.
 #include "editors/connect_info.h"
-#include "editors/editors.h"
 #include "gui/gui_support.h"
-#include "shell/globals.h"
-#include "store/password.h"
-#include "ui/widgets.h"
 
 #include <set>
 #include <sstream>
