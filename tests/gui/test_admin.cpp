@@ -88,15 +88,15 @@ TEST_F(advanced_test, assigning_ordering_and_flags_are_saved_for_the_chosen_user
     click(advanced, "gtk-go-down");  // where rows land is in test_tree_moves
     EXPECT_EQ(user_tree(), "Tools\n  Intranet\nDesk\n");
 
-    // Flags only on primaries; Prompt only with Persistent; Persistent clears Prompt.
-    prompt_cb(nullptr, g_strdup("1"), selected_user_connection_tree);
+    // Flags only on primaries; Prompt only with Persistent.
     automatic_cb(nullptr, g_strdup("0:0"), selected_user_connection_tree);
     persistent_cb(nullptr, g_strdup("1"), selected_user_connection_tree);
     prompt_cb(nullptr, g_strdup("1"), selected_user_connection_tree);
     automatic_cb(nullptr, g_strdup("0"), selected_user_connection_tree);
-    // Promote the secondary (after its primary); demoting the first row does nothing.
+    // Promote the secondary (after its primary, flags cleared); demoting the first row does nothing.
     primary_cb(nullptr, g_strdup("0:0"), user_view);
     primary_cb(nullptr, g_strdup("0"), user_view);
+    prompt_cb(nullptr, g_strdup("1"), selected_user_connection_tree);  // the promoted row is not persistent
     click(advanced, "_Save");
     EXPECT_TRUE(find_window("Advanced Configuration"));
     EXPECT_EQ(read_file_text(current_user_filename), "Version 1.000\n"
@@ -106,7 +106,8 @@ TEST_F(advanced_test, assigning_ordering_and_flags_are_saved_for_the_chosen_user
     // Demoting makes a primary the last secondary of the one before, with its flags
     // cleared; one with secondaries is refused.
     primary_cb(nullptr, g_strdup("2"), user_view);
-    EXPECT_EQ(user_tree(), "Tools\nIntranet\n  Desk\n");
+    EXPECT_EQ(dump_model(GTK_TREE_MODEL(selected_user_connection_tree), {TC_NAME, TC_PERSISTENT, TC_PROMPT}),
+              "Tools|TRUE|FALSE\nIntranet|FALSE|FALSE\n  Desk|FALSE|FALSE\n");
     primary_cb(nullptr, g_strdup("1"), user_view);
     EXPECT_EQ(messages->shown.back(),
               "\nPlease remove or promote secondary connections before demoting this connection.\n");
