@@ -24,7 +24,7 @@ GtkWidget* find_below(GtkWidget* widget, const std::function<bool(GtkWidget*)>& 
 namespace {
 
 // The toolkit is up before any test makes a window.
-const bool toolkit_ready = (gtk_init(nullptr, nullptr), true);
+[[maybe_unused]] const bool toolkit_ready = (gtk_init(nullptr, nullptr), true);
 
 GtkWidget* find_toplevel(const std::function<bool(GtkWidget*)>& match)
 {
