@@ -1,23 +1,99 @@
 #include "launch/spawn.h"
 
-#include "launch/command_line.h"
+#include "launch/reachability.h"
 #include "launch_fixture.h"
-#include "shell/globals.h"
-#include "store/ica_paths.h"
+#include "platform/log.h"
 #include "store/models.h"
 #include "store/password.h"
 
+#include <arpa/inet.h>
+#include <chrono>
 #include <fcntl.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
 
 namespace {
 
-// The programs a launch here may start are played by the recording fake; the DAS client
-// is missing.
-class spawn_test : public rooted_log_test {
+// A TCP socket bound to a free port of 127.0.0.1, listening with the given backlog or not at all.
+struct local_port {
+    explicit local_port(int backlog = 16)
+    {
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t length = sizeof address;
+        if (bind(fd, reinterpret_cast<sockaddr*>(&address), length) || getsockname(fd, reinterpret_cast<sockaddr*>(&address), &length))
+            ADD_FAILURE() << "no local port";
+        if (backlog >= 0)
+            listen(fd, backlog);
+        port = std::to_string(ntohs(address.sin_port));
+    }
+    ~local_port() { close(fd); }
+    int fd = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address{};
+    std::string port;
+};
+
+// A private root with the program's log open in it.
+class reachability_test : public rooted_test {
 protected:
     void SetUp() override
     {
-        rooted_log_test::SetUp();
+        make_dirs(root / "tmp");
+        ASSERT_TRUE(log_open());
+    }
+    void TearDown() override { log_close(); }
+    std::string log_text() const { return read_file_text(root / "tmp/zarvoca.log"); }
+};
+
+TEST_F(reachability_test, smart_ping_against_local_ports)
+{
+    const local_port open, closed(-1);
+    const std::string refused = "Connection to server 127.0.0.1 failed with error Connection refused (6f).\n";
+    const struct { std::string host, port; int result; std::string log; } cases[] = {
+        {"127.0.0.1", open.port, 0, ""}, {"localhost", open.port, 0, ""},
+        {"127.0.0.1", closed.port, ECONNREFUSED, refused},
+        {"127.0.0.1", "http", ECONNREFUSED, refused},  // not a number: port 0
+        // Begins with a digit: never looked up; unreadable, it stays 0.0.0.0, this machine.
+        {"1nosuchhost", open.port, 0, ""},
+        {"no-such-host.invalid", open.port, -1, "Unknown host no-such-host.invalid.\n"},
+        {"", open.port, -1, "Unknown host .\n"},
+    };
+    for (const auto& c : cases) {
+        const size_t before = log_text().size();
+        const int result = smart_ping(c.host.c_str(), c.port.c_str());
+        if (c.result >= 0) {
+            EXPECT_EQ(result, c.result) << c.host << ":" << c.port;
+        }
+        EXPECT_EQ(log_text().substr(before), c.log) << c.host << ":" << c.port;
+    }
+}
+
+// A server whose queue of pending connections is full drops new ones silently, as an
+// unreachable one would: the check gives up after seconds, not the system's minutes.
+TEST_F(reachability_test, silent_server_fails_within_seconds)
+{
+    const local_port busy(0);
+    int clients[2];
+    for (int& fd : clients) {
+        fd = socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
+        connect(fd, reinterpret_cast<const sockaddr*>(&busy.address), sizeof busy.address);
+    }
+    usleep(100 * 1000);
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(smart_ping("127.0.0.1", busy.port.c_str()), ETIMEDOUT);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+    EXPECT_EQ(log_text(), "Connection to server 127.0.0.1 failed with error Connection timed out (6e).\n");
+    for (int fd : clients)
+        close(fd);
+}
+
+// The programs a launch here may start are played by the recording fake; the DAS client
+// is missing.
+class spawn_test : public reachability_test {
+protected:
+    void SetUp() override
+    {
+        reachability_test::SetUp();
         fill_seedchars();
         make_dirs(root / "bin");
         for (const char* program : {"rdesktop", "firefox", "ping"})
@@ -34,7 +110,7 @@ protected:
         unsetenv("KEST_FAKE_SLEEP_MS");
         g_clear_object(&master_connection_list);
         g_clear_object(&current_user_connection_tree);
-        rooted_log_test::TearDown();
+        reachability_test::TearDown();
     }
     GtkTreeModel* tree() const { return GTK_TREE_MODEL(current_user_connection_tree); }
     std::string fake_log() const { return read_file_text(root / "fake.log"); }
