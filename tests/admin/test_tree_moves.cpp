@@ -27,18 +27,6 @@ TEST(tree_moves, targets_up_and_down)
     }
 }
 
-tree_row row(const char* name, bool flags, const char* pid)
-{
-    tree_row r;
-    r.name = name;
-    r.type = "RDP";
-    r.automatic = r.persistent = r.prompt = flags;
-    r.pid = pid;
-    r.status = std::string(pid) == "0" ? "Not Connected" : "Active";
-    r.polls = flags ? 7 : 0;
-    return r;
-}
-
 // Name, pid, status, then Auto, Persistent and Prompt as digits, then the poll count.
 std::string shown(const tree_row& r)
 {
@@ -61,8 +49,8 @@ TEST(tree_moves, exchange_keeps_position_flags_and_applies_start_flag_rules)
         {false, true, true, false, false},
     };
     for (const exchange& e : table) {
-        tree_row selected = row("Mover", false, "0");
-        tree_row target = row("Other", true, "01234");
+        tree_row selected{true, "Mover", "RDP", false, false, false, "0", "Not Connected", 0};
+        tree_row target{true, "Other", "RDP", true, true, true, "01234", "Active", 7};
         exchange_rows(selected, target, e.up, e.selected_secondary, e.target_secondary);
         SCOPED_TRACE(testing::Message() << e.up << e.selected_secondary << e.target_secondary);
         // Auto and Persistent as the table says; Prompt and the poll count stay with the position.
