@@ -1,5 +1,3 @@
-// Where a row lands when it moves up or down in the administered tree, and what the
-// two rows exchange.
 #include "admin/tree_moves.h"
 
 #include <gtest/gtest.h>
@@ -16,8 +14,7 @@ TEST(tree_moves, targets_up_and_down)
         {p(0), std::nullopt, p(0, 0)},    // the very first row cannot go up
         {p(0, 0), p(0), p(0, 1)},         // a first secondary goes up to its primary
         {p(0, 1), p(0, 0), p(1)},         // the last secondary goes down to the next primary
-        {p(1), p(0, 1), p(2)},            // up into the previous primary's last secondary;
-                                          // down onto a primary with secondaries, not into it
+        {p(1), p(0, 1), p(2)},            // into the last secondary above; onto the next primary
         {p(2), p(1), p(2, 0)},
         {p(2, 0), p(2), std::nullopt},    // nothing after the last row
     };

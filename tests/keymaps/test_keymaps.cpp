@@ -52,7 +52,6 @@ TEST_F(keymaps_test, keymap_lst_names_then_built_in_names)
     const std::string dir = "usr/share/rdesktop/keymaps/";
     EXPECT_EQ(make_rdesktop_keymap(), 0) << "no folder";
     EXPECT_EQ(rows(rdesktop_keymap_list), "xx|Use Default\n");
-    EXPECT_EQ(rdesktop_keymap_dir, root / dir.substr(0, dir.size() - 1));
     for (const char* map : {"de", "fr", "nl", "nl-be", "xx", "zz", "common", "modifiers"})
         write_file(root / (dir + map), "include common\n");
     const std::string built_in = "xx|Use Default\nde|German (Germany)\nfr|French (France)\n"

@@ -29,7 +29,7 @@ protected:
 };
 
 // The cases of a file in golden/, parted by a blank line: a title, lines "column=text"
-// over the base record, and last the expected words parted by "|".
+// over the base record, and last the expected words (arguments, or a plan) parted by "|".
 struct vector_case {
     std::string title;
     connection_record record;
@@ -99,38 +99,17 @@ TEST_F(command_line_test, local_keyboard_map_from_the_setup_file)
     EXPECT_EQ(local_xkb_map(root / "missing"), "us_intl");
 }
 
+// The ICA ping command is checked where a launch runs it.
 TEST_F(command_line_test, reachability_plan)
 {
     using enum reachability_check::method;
-    const struct {
-        const char *type, *port, *server, *location, *mask;
-        bool ping;
-        reachability_check::method how;
-        const char* command_or_host;
-    } cases[] = {
-        {"RDP", "0", "ts", "", "0", false, none, ""},
-        {"RDP", "0", "", "", "0", true, none, ""},
-        {"RDP", "80", "http://ts:1/x", "", "0", true, tcp, "http://ts"},
-        {"Web", "80", "http://www.example.com:8080/a/b:c", "", "0", true, tcp, "www.example.com"},
-        {"Web", "0", "https://intra/", "", "0", true, icmp, "ping -c 1 -q 'intra' >/dev/null"},
-        {"Web", "80", "intra/a:b", "", "0", true, tcp, "intra/a"},
-        // ICA checks the server location, as it stands, never the server column. Its ping
-        // command is checked where a launch runs it.
-        {"ICA", "1494", "app", "farm1:80", "4", true, tcp, "farm1:80"},
-        {"ICA", "1494", "app", "Default", "0", true, none, ""},
-        {"ICA", "1494", "app", "farm1", "2054", true, none, ""},
-    };
-    for (const auto& c : cases) {
-        const reachability_check check = plan_reachability(make_record(
-            "C", c.type,
-            {{MC_PING_PORT, c.port}, {MC_SERVER, c.server}, {MC_ICA_LOCATION, c.location},
-             {MC_ICA_MASK, c.mask}},
-            c.ping));
-        SCOPED_TRACE(std::string(c.type) + " " + c.server + " " + c.location);
-        EXPECT_EQ(check.how, c.how);
-        EXPECT_EQ(check.command, c.how == icmp ? c.command_or_host : "");
-        EXPECT_EQ(check.host, c.how == tcp ? c.command_or_host : "");
-        EXPECT_EQ(check.port, c.how == tcp ? c.port : "");
+    EXPECT_EQ(plan_reachability(make_record("C", "RDP", {{MC_PING_PORT, "0"}, {MC_SERVER, "ts"}})).how, none) << "not asked";
+    for (const vector_case& c : vector_cases("reachability_plans", make_record("C", "RDP", {}, true))) {
+        const reachability_check check = plan_reachability(c.record);
+        const args plan = check.how == tcp    ? args{"tcp", check.host, check.port}
+                          : check.how == icmp ? args{"icmp", check.command}
+                                              : args{"none"};
+        EXPECT_EQ(plan, c.expected) << c.title;
     }
 }
 

@@ -3,7 +3,6 @@
 #include "launch/command_line.h"
 #include "shell/globals.h"
 #include "store/ica_paths.h"
-#include "store/models.h"
 #include "support/test_support.h"
 
 namespace {

@@ -1,6 +1,5 @@
-/* Stands in for every program the launcher starts (rdesktop, wfica, X, xkbcomp, firefox,
- * ping, marrow): linked under each name, it tells them apart by the path it was started
- * through. Driven by the environment:
+/* Stands in for every program the launcher starts, linked under each name: it tells them
+ * apart by the path it was started through. Driven by the environment:
  *   KEST_FAKE_STAMP     a file: the CLOCK_REALTIME time in nanoseconds is written there
  *                       first thing, then the program exits 0
  *   KEST_FAKE_LOG       a file: one line is appended, the name, then "|" and each argument
