@@ -1,5 +1,3 @@
-// Where a row lands when it moves up or down in the administered tree, and what the
-// two rows exchange.
 #include "admin/tree_moves.h"
 
 #include <gtest/gtest.h>
@@ -16,8 +14,7 @@ TEST(tree_moves, targets_up_and_down)
         {p(0), std::nullopt, p(0, 0)},    // the very first row cannot go up
         {p(0, 0), p(0), p(0, 1)},         // a first secondary goes up to its primary
         {p(0, 1), p(0, 0), p(1)},         // the last secondary goes down to the next primary
-        {p(1), p(0, 1), p(2)},            // up into the previous primary's last secondary;
-                                          // down onto a primary with secondaries, not into it
+        {p(1), p(0, 1), p(2)},            // into the last secondary above; onto the next primary
         {p(2), p(1), p(2, 0)},
         {p(2, 0), p(2), std::nullopt},    // nothing after the last row
     };
@@ -25,18 +22,6 @@ TEST(tree_moves, targets_up_and_down)
         EXPECT_EQ(move_up_target(shape, m.from), m.up) << m.from.primary << "," << m.from.secondary;
         EXPECT_EQ(move_down_target(shape, m.from), m.down) << m.from.primary << "," << m.from.secondary;
     }
-}
-
-tree_row row(const char* name, bool flags, const char* pid)
-{
-    tree_row r;
-    r.name = name;
-    r.type = "RDP";
-    r.automatic = r.persistent = r.prompt = flags;
-    r.pid = pid;
-    r.status = std::string(pid) == "0" ? "Not Connected" : "Active";
-    r.polls = flags ? 7 : 0;
-    return r;
 }
 
 // Name, pid, status, then Auto, Persistent and Prompt as digits, then the poll count.
@@ -61,8 +46,8 @@ TEST(tree_moves, exchange_keeps_position_flags_and_applies_start_flag_rules)
         {false, true, true, false, false},
     };
     for (const exchange& e : table) {
-        tree_row selected = row("Mover", false, "0");
-        tree_row target = row("Other", true, "01234");
+        tree_row selected{true, "Mover", "RDP", false, false, false, "0", "Not Connected", 0};
+        tree_row target{true, "Other", "RDP", true, true, true, "01234", "Active", 7};
         exchange_rows(selected, target, e.up, e.selected_secondary, e.target_secondary);
         SCOPED_TRACE(testing::Message() << e.up << e.selected_secondary << e.target_secondary);
         // Auto and Persistent as the table says; Prompt and the poll count stay with the position.

@@ -9,12 +9,27 @@
 
 namespace {
 
-constexpr int lines_per_record = 35;
-constexpr size_t longest_line = 100;  // characters, line end included, read whole
-
-std::string written(GtkListStore* list)
+// Start-up loads the user's tree with the names read on their own: they must be exactly
+// the list's (name, type) pairs.
+void check_names(GtkTreeModel* list, master_header header, const std::string& path)
 {
-    return fuzz_written([&](FILE* master) {
+    const master_names names = read_master_names(path.c_str(), master_lines_per_record);
+    size_t rows = 0;
+    GtkTreeIter iter;
+    for (bool more = gtk_tree_model_get_iter_first(list, &iter); more; more = gtk_tree_model_iter_next(list, &iter), ++rows)
+        if (!names.contains(model_text(list, &iter, MC_NAME), model_text(list, &iter, MC_TYPE)))
+            fuzz_fail("a row is missing from the names", "", model_text(list, &iter, MC_NAME));
+    if (names.header != header || names.size() != rows)
+        fuzz_fail("the names and the list differ in header or number", std::to_string(rows), std::to_string(names.size()));
+}
+
+std::string load_and_write(const std::string& path)
+{
+    GtkListStore* list = create_master_store();
+    const master_header header = load_master_file(list, path.c_str(), master_lines_per_record);
+    apply_master_header(header);
+    check_names(GTK_TREE_MODEL(list), header, path);
+    const std::string text = fuzz_written([&](FILE* master) {
         fuzz_written([&](FILE* appsrv) {
             master_save_files files{master, appsrv};
             write_master_header(master, current_master_settings());
@@ -22,43 +37,18 @@ std::string written(GtkListStore* list)
             gtk_tree_model_foreach(GTK_TREE_MODEL(list), file_master_connection, &files);
         });
     });
-}
-
-// Start-up loads the user's tree with the names read on their own: they must be exactly
-// the list's (name, type) pairs.
-void check_names(GtkTreeModel* list, master_header header, const std::string& path)
-{
-    const master_names names = read_master_names(path.c_str(), lines_per_record);
-    if (names.header != header)
-        fuzz_fail("the names were read with another header");
-    GtkTreeIter iter;
-    size_t rows = 0;
-    for (bool more = gtk_tree_model_get_iter_first(list, &iter); more; more = gtk_tree_model_iter_next(list, &iter), ++rows)
-        if (!names.contains(model_text(list, &iter, MC_NAME), model_text(list, &iter, MC_TYPE)))
-            fuzz_fail("a row is missing from the names", "", model_text(list, &iter, MC_NAME));
-    if (names.size() != rows)
-        fuzz_fail("the names and the list differ in number", std::to_string(rows), std::to_string(names.size()));
-}
-
-std::string load_and_write(const std::string& path)
-{
-    GtkListStore* list = create_master_store();
-    const master_header header = load_master_file(list, path.c_str(), lines_per_record);
-    apply_master_header(header);
-    check_names(GTK_TREE_MODEL(list), header, path);
-    std::string text = written(list);
     g_object_unref(list);
     return text;
 }
 
-// Records are placed by their raw name line: a NUL byte, an over-long line or a last
-// line without its line end makes that differ from the stored name, so the order may
-// change once. Such files are only loaded and written.
+// Records are placed by their raw name line: a NUL byte, a line over 100 characters (line
+// end included, read whole) or a last line without its line end makes that differ from
+// the stored name, so the order may change once. Such files are only loaded and written.
 bool settles(const std::string& input)
 {
     size_t line = 0;
     for (char c : input)
-        if (c == '\0' || ++line > longest_line)
+        if (c == '\0' || ++line > 100)
             return false;
         else if (c == '\n')
             line = 0;

@@ -7,7 +7,6 @@
 #include <filesystem>
 #include <fstream>
 #include <glib.h>
-#include <sstream>
 
 const std::string& fuzz_scratch()
 {
@@ -31,13 +30,6 @@ void fuzz_write_file(const std::string& path, const std::string& text)
         std::abort();
 }
 
-std::string fuzz_read_file(const std::string& path)
-{
-    std::ostringstream text;
-    text << std::ifstream(path, std::ios::binary).rdbuf();
-    return text.str();
-}
-
 std::string fuzz_written(const std::function<void(FILE*)>& write)
 {
     char* buffer = nullptr;
@@ -56,14 +48,6 @@ void fuzz_fail(const char* what, const std::string& expected, const std::string&
     gchar* have = g_strescape(got.c_str(), nullptr);
     std::fprintf(stderr, "Broken: %s\nexpected: \"%s\"\n     got: \"%s\"\n", what, want, have);
     std::abort();
-}
-
-std::vector<std::string> fuzz_lines(const std::string& input)
-{
-    std::vector<std::string> lines(1);
-    for (char c : input)
-        c == '\n' ? lines.emplace_back() : lines.back() += c;
-    return lines;
 }
 
 extern "C" int LLVMFuzzerInitialize(int*, char***)

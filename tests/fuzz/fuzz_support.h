@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <functional>
 #include <string>
-#include <vector>
 
 void fuzz_setup();
 void fuzz_one(const std::string& input);
@@ -13,11 +12,8 @@ void fuzz_one(const std::string& input);
 // A folder of this process (under $KESTRELLE_FUZZ_SCRATCH or /tmp), removed at exit.
 const std::string& fuzz_scratch();
 void fuzz_write_file(const std::string& path, const std::string& text);
-std::string fuzz_read_file(const std::string& path);
 // What write puts into a stream, as a file would hold it.
 std::string fuzz_written(const std::function<void(FILE*)>& write);
 // A broken check: says what broke, shows both texts escaped and aborts, so that libFuzzer
 // keeps the input.
 [[noreturn]] void fuzz_fail(const char* what, const std::string& expected = "", const std::string& got = "");
-// The input cut at each line end (the line ends are dropped).
-std::vector<std::string> fuzz_lines(const std::string& input);

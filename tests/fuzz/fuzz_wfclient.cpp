@@ -1,8 +1,7 @@
 // wfclient.ini: the server locations, the global settings and pnabrowse's list are read
 // from any text without harm. The first save may change what a plain file says (a drive
 // without a path is dropped, the first address loses its number); from then on a save
-// without changes must read back the same settings and server locations and write the
-// same bytes.
+// without changes must write the same bytes, so it reads back the same settings.
 #include "fuzz_support.h"
 #include "ica/wfclient.h"
 
@@ -10,15 +9,6 @@
 #include <sstream>
 
 namespace {
-
-// Settings and locations written out alone: equal texts mean equal values.
-std::string written(const std::string& text)
-{
-    global_settings settings = default_global_settings();
-    read_global_settings(text, settings);
-    return rewrite_server_locations("[WFClient]\n", read_server_locations(text)) +
-           rewrite_global_settings("[WFClient]\n", settings);
-}
 
 // A save of the dialogs without changes: both rewrites with what was read.
 std::string saved(const std::string& text)
@@ -68,8 +58,6 @@ void fuzz_one(const std::string& input)
     if (!plain(input))
         return;
     const std::string second = saved(first);
-    if (written(second) != written(first))
-        fuzz_fail("a save without changes read back other settings", written(first), written(second));
     if (second != first)
         fuzz_fail("a save without changes changed the file", first, second);
 }

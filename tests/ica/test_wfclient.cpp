@@ -1,7 +1,6 @@
 #include "ica/wfclient.h"
 
 #include "platform/tmp_files.h"
-#include "shell/globals.h"
 #include "store/ica_paths.h"
 #include "support/test_support.h"
 
@@ -11,8 +10,8 @@ namespace {
 
 std::string golden(const std::string& name) { return read_file_text(std::string(GOLDEN_DIR) + "/" + name); }
 
-// The golden input: slot 2 is taken by the later line, slot 16 does not exist, blanks
-// stay, "yes" in small letters is not on. Its settings written back settle at once.
+// The golden input: the later slot 2 wins, slot 16 does not exist, an address keeps its
+// blanks, "yes" is not on, blanks around "=" go. Written back, its settings settle at once.
 TEST(wfclient, golden_files)
 {
     const std::string input = golden("input.ini");
@@ -28,21 +27,14 @@ TEST(wfclient, golden_files)
         read_global_settings(text, settings);
         EXPECT_EQ(rewrite_global_settings(text, settings), golden("input.global.golden"));
     }
-    // The default file's "KeyboardLayout = (User Profile)" reads without its blanks.
-    global_settings settings = default_global_settings();
-    read_global_settings(default_wfclient_text, settings);
-    EXPECT_EQ(settings.keyboard_layout, "(User Profile)");
 }
 
 TEST(wfclient, protocol_and_address_slots)
 {
     const struct { const char* text; const char* protocol; std::vector<std::string> tcp; } table[] = {
-        {"", "TCP + HTTP browser", {}},
         {"[WFClient]\nSSLEnable=1\n", "SSL/TLS + HTTPS browser", {}},
-        {"SSLEnable=Yes\nBrowserProtocol=HTTPonTCP\n", "SSL/TLS + HTTPS browser", {}},
         {"SSLEnable=True\nSSLEnable=no\n", "TCP + HTTP browser", {}},
         {"SSLEnable=On\nBrowserProtocol=UDP\n", "TCP browser", {}},
-        {"BrowserProtocol=UDP\nBrowserProtocol=HTTPonTCP\n", "TCP + HTTP browser", {}},
         {"TcpBrowserAddress15=last\nTcpBrowserAddress=first\nTcpBrowserAddress1=one\n", "TCP + HTTP browser",
          {"first", "one", "last"}},
         {"TcpBrowserAddress99=x\nTcpBrowserAddress100=y\nTcpBrowserAddress16=z\n"
@@ -68,22 +60,17 @@ TEST(wfclient, rewrites_without_section_and_com_ports)
         << ports;
 }
 
-// The file functions: a private root with ica_dir, tmp_dir and the client folder.
-class wfclient_files : public rooted_test {
-protected:
-    void SetUp() override
-    {
-        make_dirs(root / "etc/.kestrel");
-        make_dirs(root / "tmp");
-        set_ica_dir(root / "etc/.kestrel");
-        tmp_dir = root / "tmp";
-        ica_root = "";
-    }
-};
+using wfclient_files = rooted_test;
 
-// The client's own file is copied when there is one, else the default is written.
-TEST_F(wfclient_files, default_file_and_client_copy)
+// The client's own file is copied when there is one, else the default is written; a
+// file that cannot be made or rewritten is left whole.
+TEST_F(wfclient_files, default_file_client_copy_and_failures)
 {
+    make_dirs(root / "tmp");
+    set_ica_dir(root / "etc/.kestrel");
+    make_dirs(ica_dir);
+    tmp_dir = root / "tmp";
+    ica_root = "";
     ASSERT_EQ(ica_make_default_wfclient(), 1);
     EXPECT_EQ(read_file_text(wfclient_file),
               "[WFClient]\nVersion = 2\n\nKeyboardLayout = (User Profile)\n"
@@ -95,10 +82,7 @@ TEST_F(wfclient_files, default_file_and_client_copy)
     write_file(ica_root + "/config/wfclient.ini", "[WFClient]\nVersion=3\n");
     ASSERT_EQ(ica_make_default_wfclient(), 1);
     EXPECT_EQ(read_file_text(wfclient_file), "[WFClient]\nVersion=3\n");
-}
 
-TEST_F(wfclient_files, failures_leave_the_file_whole)
-{
     wfclient_file = root / "missing/wfclient.ini";  // no folder for the file
     std::string text;
     EXPECT_FALSE(read_wfclient(&text));

@@ -1,10 +1,10 @@
 #include "launch/command_line.h"
 
 #include "launch_fixture.h"
-#include "shell/globals.h"
-#include "store/ica_paths.h"
 #include "store/models.h"
 #include "store/password.h"
+
+#include <sstream>
 
 namespace {
 
@@ -28,51 +28,37 @@ protected:
     }
 };
 
+// The cases of a file in golden/, parted by a blank line: a title, lines "column=text"
+// over the base record, and last the expected words (arguments, or a plan) parted by "|".
+struct vector_case {
+    std::string title;
+    connection_record record;
+    args expected;
+};
+
+std::vector<vector_case> vector_cases(const std::string& name, const connection_record& base)
+{
+    std::vector<std::vector<std::string>> blocks(1);
+    std::istringstream text(read_file_text(GOLDEN_DIR "/" + name));
+    for (std::string line; std::getline(text, line);)
+        line.empty() ? blocks.emplace_back().clear() : blocks.back().push_back(line);
+    std::vector<vector_case> cases;
+    for (const auto& lines : blocks) {
+        vector_case& c = cases.emplace_back(lines.front(), base);
+        for (size_t i = 1; i + 1 < lines.size(); ++i)
+            c.record[std::stoi(lines[i])] = lines[i].substr(lines[i].find('=') + 1);
+        std::istringstream words(lines.back());
+        for (std::string word; std::getline(words, word, '|');)
+            c.expected.push_back(word);
+    }
+    return cases;
+}
+
 TEST_F(command_line_test, rdp_vectors)
 {
-    const connection_record base =
-        make_record("Office", "RDP", {{MC_SERVER, "srv"}, {MC_RDP_FLAGS, "00000"}});
-    const struct { column_values values; args expected; } cases[] = {
-        // 32094: every flag bit, and of the experience bits 64 and 256.
-        {{{MC_SERVER, "ts.example.com"}, {MC_PROGRAM, "notepad.exe"}, {MC_WORKDIR, "C:\\work"},
-          {MC_USERNAME, "ann"}, {MC_DOMAIN, "CORP"}, {MC_WINDOW_SIZE, "1024x768"},
-          {MC_COLOURS, "High Color (16 bit)"}, {MC_SOUND, "Leave at remote computer"},
-          {MC_RDP_CLIENT_HOST, "thin01"}, {MC_KEYBOARD, "German"}, {MC_RDP_EXPERIENCE, "Custom"},
-          {MC_RDP_DISK, "home=/home/ann"}, {MC_RDP_PRINTER, "lp0"}, {MC_RDP_LPT, "LPT1=/dev/lp0"},
-          {MC_RDP_COM, "COM1=/dev/ttyS0"}, {MC_RDP_EXTRA_OPTIONS, "-T Work"},
-          {MC_RDP_FLAGS, "32094"}, {MC_PASSWORD, "t`kber"}},
-         {"rdesktop", "-uann", "-psecret", "-dCORP", "-nthin01", "-snotepad.exe", "-cC:\\work",
-          "-g1024x768", "-a16", "-rsound:remote", "-kde", "-kde-ch", "-b", "-P", "-z", "-B",
-          "-x0x0a", "-rdisk:home=/home/ann", "-rprinter:lp0", "-rlptport:LPT1=/dev/lp0",
-          "-rcomport:COM1=/dev/ttyS0", "-T Work", "ts.example.com"}},
-        // One switch and one redirection bit a row; flags are decimal, leading zeros and all.
-        {{{MC_WINDOW_SIZE, "Full Screen"}, {MC_COLOURS, "256 Colors (8 bit)"},
-          {MC_SOUND, "Bring to this computer"}, {MC_KEYBOARD, "French"},
-          {MC_RDP_EXPERIENCE, "Modem (28.8 Kbps)"}, {MC_RDP_FLAGS, "01028"}},
-         {"rdesktop", "-f", "-a8", "-rsound:local", "-kfr", "-b", "-xm", "-rdisk:", "srv"}},
-        {{{MC_WINDOW_SIZE, ""}, {MC_COLOURS, "High Color (15 bit)"}, {MC_KEYBOARD, "Klingon"},
-          {MC_RDP_EXPERIENCE, "Broadband (128 Kbps - 1.5 Mbps)"}, {MC_RDP_FLAGS, "08200"},
-          {MC_RDP_PRINTER, "p"}},
-         {"rdesktop", "-a15", "-P", "-xb", "-rprinter:p", "srv"}},
-        {{{MC_COLOURS, "True Color (24 bit)"}, {MC_RDP_EXPERIENCE, "LAN (10 Mbps or higher)"},
-          {MC_RDP_FLAGS, "04098"}, {MC_RDP_LPT, "l"}},
-         {"rdesktop", "-a24", "-z", "-xl", "-rlptport:l", "srv"}},
-        // Texts that match no choice exactly add nothing.
-        {{{MC_WINDOW_SIZE, "Use Default"}, {MC_COLOURS, "256 colors (8 bit)"}, {MC_SOUND, "Off"},
-          {MC_KEYBOARD, "Use Default"}, {MC_RDP_EXPERIENCE, "Modem (56 Kbps)"},
-          {MC_RDP_FLAGS, "02064"}, {MC_RDP_COM, "c"}},
-         {"rdesktop", "-B", "-rcomport:c", "srv"}},
-        {{{MC_RDP_EXPERIENCE, "Custom"}, {MC_RDP_FLAGS, "00640"}}, {"rdesktop", "-x0x05", "srv"}},
-        {{{MC_RDP_FLAGS, "garbage"}, {MC_RDP_DISK, "d"}, {MC_RDP_EXTRA_OPTIONS, "-T x"},
-          {MC_RDP_EXPERIENCE, "Custom"}},
-         {"rdesktop", "-x0x0f", "srv"}},
-        // Extra options switched on but empty end the vector before the server.
-        {{{MC_RDP_FLAGS, "16384"}}, {"rdesktop"}},
-        // Unscrambles to nothing.
-        {{{MC_PASSWORD, "QzQ"}}, {"rdesktop", "srv"}},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(rdp_arguments(with_columns(base, c.values)), c.expected);
+    const connection_record base = make_record("Office", "RDP", {{MC_SERVER, "srv"}, {MC_RDP_FLAGS, "00000"}});
+    for (const vector_case& c : vector_cases("rdp_vectors", base))
+        EXPECT_EQ(rdp_arguments(c.record), c.expected) << c.title;
     EXPECT_EQ(rdp_command_line(rdp_arguments(base)), " rdesktop srv");
 }
 
@@ -81,25 +67,13 @@ TEST_F(command_line_test, xdm_vectors)
     const connection_record base = make_record(
         "Lab", "XDM", {{MC_SERVER, "xhost"}, {MC_XDM_DISPLAY, "1"}, {MC_XDM_VT, "Automatic"},
                        {MC_KEYBOARD, "Use Server Settings"}, {MC_XDM_MODE, "Query"}});
-    const struct { column_values values; args expected; } cases[] = {
-        {{}, {"X", ":1", "-query", "xhost"}},
-        {{{MC_XDM_MODE, "Indirect"}, {MC_XDM_VT, "7"}}, {"X", ":1", "vt7", "-indirect", "xhost"}},
-        {{{MC_XDM_MODE, "Broadcast"}}, {"X", ":1", "-broadcast"}},
-        // The last of several rows of the same name wins; a name of no row is the map.
-        {{{MC_KEYBOARD, "German"}, {MC_XDM_MODE, "Broadcast"}},
-         {"X", ":1", "+kb", "-xkbmap", "de_nodeadkeys.xkm", "-broadcast"}},
-        {{{MC_KEYBOARD, "Esperanto"}, {MC_XDM_MODE, "query"}},
-         {"X", ":1", "+kb", "-xkbmap", "Esperanto.xkm"}},
-        {{{MC_KEYBOARD, "Use Local Settings"}, {MC_XDM_MODE, "Indirect"}},
-         {"X", ":1", "+kb", "-xkbmap", "be.xkm", "-indirect", "xhost"}},
-    };
     write_file(root / "Xsetup", "xkbmap=be.xkm\n");
     x_setup_file = root / "Xsetup";
     x11_keymap = 0;  // compiling the map is checked where a launch runs xkbcomp
     std::string command;
-    for (const auto& c : cases) {
+    for (const vector_case& c : vector_cases("xdm_vectors", base)) {
         command = "unchanged";
-        EXPECT_EQ(xdm_arguments(with_columns(base, c.values), &command), c.expected);
+        EXPECT_EQ(xdm_arguments(c.record, &command), c.expected) << c.title;
         EXPECT_EQ(command, "");
     }
 
@@ -125,39 +99,17 @@ TEST_F(command_line_test, local_keyboard_map_from_the_setup_file)
     EXPECT_EQ(local_xkb_map(root / "missing"), "us_intl");
 }
 
+// The ICA ping command is checked where a launch runs it.
 TEST_F(command_line_test, reachability_plan)
 {
     using enum reachability_check::method;
-    const struct {
-        const char *type, *port, *server, *location, *mask;
-        bool ping;
-        reachability_check::method how;
-        const char* command_or_host;
-    } cases[] = {
-        {"RDP", "0", "ts", "", "0", false, none, ""},
-        {"RDP", "0", "", "", "0", true, none, ""},
-        {"RDP", "80", "http://ts:1/x", "", "0", true, tcp, "http://ts"},
-        {"Web", "80", "http://www.example.com:8080/a/b:c", "", "0", true, tcp, "www.example.com"},
-        {"Web", "0", "https://intra/", "", "0", true, icmp, "ping -c 1 -q 'intra' >/dev/null"},
-        {"Web", "80", "intra/a:b", "", "0", true, tcp, "intra/a"},
-        // ICA checks the server location, as it stands, never the server column. Its ping
-        // command is checked where a launch runs it.
-        {"ICA", "1494", "app", "farm1:80", "4", true, tcp, "farm1:80"},
-        {"ICA", "1494", "app", "Default", "0", true, none, ""},
-        {"ICA", "1494", "app", "farm1", "2054", true, none, ""},
-        {"ICA", "1494", "", "farm1", "0", true, none, ""},
-    };
-    for (const auto& c : cases) {
-        const reachability_check check = plan_reachability(make_record(
-            "C", c.type,
-            {{MC_PING_PORT, c.port}, {MC_SERVER, c.server}, {MC_ICA_LOCATION, c.location},
-             {MC_ICA_MASK, c.mask}},
-            c.ping));
-        SCOPED_TRACE(std::string(c.type) + " " + c.server + " " + c.location);
-        EXPECT_EQ(check.how, c.how);
-        EXPECT_EQ(check.command, c.how == icmp ? c.command_or_host : "");
-        EXPECT_EQ(check.host, c.how == tcp ? c.command_or_host : "");
-        EXPECT_EQ(check.port, c.how == tcp ? c.port : "");
+    EXPECT_EQ(plan_reachability(make_record("C", "RDP", {{MC_PING_PORT, "0"}, {MC_SERVER, "ts"}})).how, none) << "not asked";
+    for (const vector_case& c : vector_cases("reachability_plans", make_record("C", "RDP", {}, true))) {
+        const reachability_check check = plan_reachability(c.record);
+        const args plan = check.how == tcp    ? args{"tcp", check.host, check.port}
+                          : check.how == icmp ? args{"icmp", check.command}
+                                              : args{"none"};
+        EXPECT_EQ(plan, c.expected) << c.title;
     }
 }
 

@@ -1,9 +1,5 @@
 #include "shell/status_monitor.h"
 
-#include "launch/command_line.h"
-#include "launch/spawn.h"
-#include "shell/globals.h"
-#include "store/ica_paths.h"
 #include "store/models.h"
 #include "store/record.h"
 #include "support/test_support.h"
@@ -37,69 +33,50 @@ TEST(restart_rules, decide_what_starts_and_whether_to_prompt)
     }
 }
 
-// Real child processes stand for sessions: idle (no process), running, ended (left
-// unreaped: the poll is what reaps it), not ours (process 1) and the id "00000".
-enum class session { idle, running, ended, not_ours, zero_id };
+// A child that waits for a signal, or one that has ended and is left unreaped: the poll
+// is what reaps it.
+pid_t child(bool running)
+{
+    const pid_t pid = fork();
+    if (pid == 0)
+        _exit(running ? pause() : 0);
+    siginfo_t info;
+    if (!running)
+        waitid(P_PID, pid, &info, WEXITED | WNOWAIT);
+    return pid;
+}
 
-class status_poll : public ::testing::Test {
-protected:
-    ~status_poll() override
-    {
-        for (pid_t pid : sleepers)
-            kill(pid, SIGKILL);
-        while (waitpid(-1, nullptr, 0) > 0 || errno == EINTR) {
-        }
-        g_object_unref(tree);
-    }
-
-    pid_t child(session state)
-    {
-        const pid_t pid = fork();
-        if (pid == 0)
-            _exit(state == session::running ? pause() : 0);
-        siginfo_t info;
-        state == session::running ? sleepers.push_back(pid) : (void)waitid(P_PID, pid, &info, WEXITED | WNOWAIT);
-        return pid;
-    }
-
-    // Persistent primary rows without Prompt.
-    void add(const char* name, session state, int polls)
-    {
-        const std::string pid = state == session::idle       ? no_process
-                                : state == session::not_ours ? "1"
-                                : state == session::zero_id  ? "00000"
-                                                             : std::to_string(child(state));
+// The poll counts the survivors, finds sessions past idle rows, takes a session that is
+// not ours (process 1) for running, and an id of "00000" reaps no other child of ours.
+// Which row restarts is the table's above.
+TEST(status_poll, counts_running_sessions_and_reaps_only_its_own)
+{
+    message_recorder messages;
+    GtkTreeStore* tree = create_user_tree_store();
+    const pid_t running = child(true);
+    const auto add = [&](const char* name, const std::string& pid, int polls) {  // persistent, no Prompt
         GtkTreeIter iter;
         gtk_tree_store_append(tree, &iter, nullptr);
-        write_tree_row(tree, &iter, {true, name, "Other", false, true, false, pid,
-                                     state == session::idle ? status_not_connected : status_active, polls});
-    }
-
-    GtkTreeStore* tree = create_user_tree_store();
-    std::vector<pid_t> sleepers;
-    message_recorder messages;
-};
-
-// The poll counts the survivors, finds sessions past idle rows, and an id of zero reaps no
-// other child of ours. Which row restarts is the table's above; restarts are seen end to
-// end in tests/e2e/connect.sh.
-TEST_F(status_poll, counts_running_sessions_and_reaps_only_its_own)
-{
-    using enum session;
-    add("idle", idle, 0);
+        const char* status = pid == no_process ? status_not_connected : status_active;
+        write_tree_row(tree, &iter, {true, name, "Other", false, true, false, pid, status, polls});
+    };
+    add("idle", no_process, 0);
     EXPECT_FALSE(active_connections(GTK_TREE_MODEL(tree)));
-    add("run", running, 4);
-    add("foreign", not_ours, 3);
-    add("zero", zero_id, 0);
-    const pid_t other = child(ended);
+    add("run", std::to_string(running), 4);
+    add("foreign", "1", 3);
+    add("zero", "00000", 0);
+    const pid_t ended = child(false);
     EXPECT_TRUE(update_status(tree));
     EXPECT_TRUE(active_connections(GTK_TREE_MODEL(tree)));
     EXPECT_EQ(dump_model(GTK_TREE_MODEL(tree), {TC_NAME, TC_STATUS, TC_POLLS}),
               "idle|Not Connected|0\nrun|Active|5\nforeign|Active|0\nzero|Active|0\n");
     siginfo_t info{};
-    EXPECT_EQ(waitid(P_PID, other, &info, WEXITED | WNOHANG), 0);
-    EXPECT_EQ(info.si_pid, other) << "still ours to reap";
+    EXPECT_EQ(waitid(P_PID, ended, &info, WEXITED | WNOHANG), 0);
+    EXPECT_EQ(info.si_pid, ended) << "still ours to reap";
     EXPECT_EQ(messages.prompts, 0);
+    kill(running, SIGKILL);
+    waitpid(running, nullptr, 0);
+    g_object_unref(tree);
 }
 
 }  // namespace
