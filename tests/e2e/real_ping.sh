@@ -1,8 +1,7 @@
-# Checks first, for real: Kestrelle in a private network with loopback only and a rule
-# that drops TCP packets to one port; the system's ping does the ICMP checks; the sessions
-# are xmessage windows. 1. "Local Tools" (ICMP, 127.0.0.1) starts, with its reference by
-# hand; 2. "Far Tools" (an address with no route) starts nothing and is logged; 3. "Silent
-# Desktop" (TCP, the dropping port) gives up after its time-out and "Standby" takes over.
+# Checks first, for real, in a private network with loopback only and a rule dropping TCP
+# to one port; the system's ping does the ICMP checks; the sessions are xmessage windows.
+# "Local Tools" (ICMP, 127.0.0.1) starts; "Far Tools" (no route) starts nothing and is logged;
+# "Silent Desktop" (TCP, the dropping port) times out and its secondary "Standby" takes over.
 source "$(dirname "$0")/lib.sh"
 NEEDS_ROOT=1 needs ping nft xmessage
 
@@ -31,8 +30,6 @@ wait_for 8 grep -qsx "Ping exit code 200" "$log" || fail "no \"Ping exit code 20
 connect_next
 wait_mapped '^Standby$' "$connect_ms" || fail "the secondary connection did not take over"
 echo "Failover from a port that drops packets, Connect to the secondary's window: $elapsed_ms ms"
-grep -qx "Connection to server 127.0.0.1 failed with error Connection timed out (6e)." "$log" ||
-  fail "the time-out of the TCP check is not logged"
 [ ! -e "$argv_log" ] || fail "a session started after a failed check: $(cat "$argv_log")"
 [ "$failures" -eq 0 ] || cat "$log" >&2
 finish

@@ -1,8 +1,7 @@
-# A real browser: "firefox" is Debian's firefox-esr on a fresh private profile, on a page a
-# small HTTP server on 127.0.0.1 serves, in a private network. 1. "Intranet" (a TCP check
-# first): the server sees the request, the window shows the page's title, the row turns
-# "Active" and comes back when the browser ends; by hand for reference. 2. "Portal",
-# persistent: when the browser ends, it starts again.
+# A real browser: Debian's firefox-esr on a fresh profile, in a private network, on a page
+# served on 127.0.0.1. "Intranet" (a TCP check first): the server sees the request, the window
+# shows the page's title, the row turns "Active" and comes back when the browser ends; by hand
+# for reference. "Portal", persistent: when the browser ends, it starts again.
 source "$(dirname "$0")/lib.sh"
 NEEDS_ROOT=1 needs firefox-esr python3
 net="$work/net" server="$work/web" title="Kestrelle test page" && mkdir -p "$work/site"

@@ -1,8 +1,7 @@
-# A real display manager: Kestrelle and a private xdm in a private network; the XDM
-# connections start "X", a nested Xephyr. 1. "Lab Display" (Query): the X server's window
-# is mapped, xdm's greeter is drawn in it, the row turns "Active" and comes back when X
-# ends; the same X started by hand gives the reference times. 2. "Lab Broadcast": xdm
-# answers the broadcast on the private network.
+# A real display manager: Kestrelle and a private xdm in a private network; "X" is a nested
+# Xephyr. "Lab Display" (Query): xdm's greeter is drawn in the X server's window, the row turns
+# "Active" and comes back when X ends; the same X by hand gives the reference times.
+# "Lab Broadcast": xdm answers the broadcast on the private network.
 source "$(dirname "$0")/lib.sh"
 NEEDS_ROOT=1 needs xdm Xephyr
 net="$work/net" server="$work/server" && mkdir -p "$server"

@@ -1,5 +1,5 @@
-# Start-up and exit of the real program: the instance guard, the log, the support folder
-# and its instance file, SIGTERM with and without an active session, the hidden shell.
+# Start-up and exit of the real program: the instance guard, the log, the private support
+# folder and its instance file, SIGTERM with and without an active session, the hidden shell.
 source "$(dirname "$0")/lib.sh"
 
 new_case instance_guard
@@ -19,12 +19,14 @@ new_case clean_exit_on_sigterm
 start_kestrelle
 [ -n "$(main_window)" ] || fail "no main window"
 [ -f "$root/tmp/.kestrel/running" ] || fail "no instance file tmp/.kestrel/running"
+[ "$(stat -c %a "$root/tmp/.kestrel")" = 700 ] || fail "the support folder's mode is $(stat -c %a "$root/tmp/.kestrel"), not 700"
 expect_text "the log while running" $'Starting.\n' "$log"
 [ "$(stat -c %a "$log")" = 666 ] || fail "the log's mode is $(stat -c %a "$log"), not 666"
 stop_kestrelle
 expect_text "the log after SIGTERM" \
   $'Starting.\nCaught signal 15.\nCleaning '"$root"$'/tmp/.kestrel and exiting with status 0.\n' "$log"
 [ ! -e "$root/tmp/.kestrel" ] || fail "the support folder is left after exit"
+[ ! -s "$root/stderr" ] || fail "unexpected words on standard error: $(cat "$root/stderr")"
 
 # SIGTERM while an automatic session runs is answered with the warning box and the
 # program stays; once the session has ended SIGTERM ends it.
@@ -42,14 +44,12 @@ press "$(visible_windows | grep -vx "$window" | head -1)" Return
 wait_for 8 eval '[ -z "$(ps -o pid= --ppid "$pid")" ]' || fail "the session was not reaped"
 stop_kestrelle
 
-# The master list hides the window: a user who administers nothing (no rights from the
-# group file or a primary group of 0) and has no automatic connection gets a restart of
-# the machine; one automatic connection is enough to keep it running.
+# The master list hides the window: a user who administers nothing (no group file rights,
+# primary group not 0) and has no automatic connection gets a reboot; one is enough to stay.
 for automatic in FALSE TRUE; do
   new_case "hidden_shell_automatic_$automatic"
   printf 'tester:x:%d:100:Tester:/home/user:/bin/sh\n' "$(id -u)" >"$root/etc/passwd"
   printf 'root:x:0:\n' >"$root/etc/group"
-  ln -s "$FAKE" "$fakes/reboot"
   GUI="Don't show GUI" master_file "$(record Intranet Web "Don't ping" 80 5=http://intranet.example.lan/)"
   user_file "TRUE|Intranet|Web|$automatic|FALSE|FALSE"
   start_kestrelle KEST_FAKE_SLEEP_MS=5000

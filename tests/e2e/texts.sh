@@ -1,7 +1,6 @@
-# Texts in the files that are not UTF-8 (Latin-1 from older tools, and bytes that are
-# neither), with the accessibility modules loaded and a client reading every text as a
-# screen reader does: the rows show, their editors open and an unchanged Save writes the
-# very same bytes.
+# Texts that are not UTF-8 (Latin-1 from older tools, and bytes that are neither), with the
+# accessibility modules loaded and a client reading every text as a screen reader does: the
+# rows show, their editors open and an unchanged Save writes the very same bytes.
 source "$(dirname "$0")/lib.sh"
 # The ATK bridge finds the accessibility bus through the private session bus this test
 # runs in (dbus-run-session) and keeps its socket here.
