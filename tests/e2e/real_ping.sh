@@ -30,6 +30,8 @@ wait_for 8 grep -qsx "Ping exit code 200" "$log" || fail "no \"Ping exit code 20
 connect_next
 wait_mapped '^Standby$' "$connect_ms" || fail "the secondary connection did not take over"
 echo "Failover from a port that drops packets, Connect to the secondary's window: $elapsed_ms ms"
+grep -qx "Connection to server 127.0.0.1 failed with error Connection timed out (6e)." "$log" ||
+  fail "the time-out of the TCP check is not logged"
 [ ! -e "$argv_log" ] || fail "a session started after a failed check: $(cat "$argv_log")"
 [ "$failures" -eq 0 ] || cat "$log" >&2
 finish
