@@ -6,6 +6,8 @@
 #include "store/record.h"
 #include "support/test_support.h"
 
+inline std::string golden(const std::string& name) { return std::string(GOLDEN_DIR) + "/" + name; }
+
 class store_test : public rooted_test {
 protected:
     void SetUp() override

@@ -1,13 +1,10 @@
 #include "store/appsrv.h"
 
-#include "store/password.h"
-#include "support/test_support.h"
+#include "store_fixture.h"
 
 namespace {
 
 using columns = std::map<int, std::string>;
-
-const std::string drivers = "WinStationDriver=ICA 3.0\nTransportDriver=TCP/IP\n";
 
 // An ICA record as a new connection starts out, with the given columns changed.
 connection_record ica(const std::string& name, const columns& set)
@@ -46,33 +43,22 @@ std::string decode(const std::string& hex)
     return clear;
 }
 
+// Desk: full screen without a window manager. Lab, mask 296: compression, audio,
+// approximate colours (written only with 256 colours). Apps: a seamless published
+// application with every option; mask 0xFBE is all but 0x40.
 TEST(appsrv, representative_sections)
 {
     fill_seedchars();
-    EXPECT_EQ(ica_section(ica("Desk", {{MC_WINDOW_SIZE, "Full Screen"},
-                                       {MC_ICA_KEYBOARD_LATENCY, "On"},
-                                       {MC_ICA_SPEEDSCREEN, "On"}})),
-              "\n[Desk]\n" + drivers +
-                  "DisableCtrlAltDel=On\nCompress=Off\nProxyUseDefault=On\nClientAudio=Off\n"
-                  "ZLMouseMode=0\nZLKeyboardMode=1\nUseDefaultSettingForColormap=No\n"
-                  "NoWindowManager=TRUE\nUseFullScreen=Yes\nAddress=citrix1\n");
-
-    // Mask 296: compression, audio, approximate colours (written only with 256 colours).
-    EXPECT_EQ(ica_section(ica("Lab", {{MC_ICA_LOCATION, "browser.lan"}, {MC_SOUND, "Low"},
-                                      {MC_ICA_PROTOCOL, "TCP browser"}, {MC_COLOURS, "24-bit"},
-                                      {MC_ICA_PROXY_TYPE, "None (direct)"},
-                                      {MC_ICA_PROXY_HOST, "unused"},
-                                      {MC_ICA_AUDIO_INPUT, "Enabled"}, {MC_PROGRAM, "np.exe"},
-                                      {MC_ICA_MOUSE_LATENCY, "Automatic"},
-                                      {MC_WINDOW_SIZE, "1024x768"}, {MC_ICA_MASK, "296"}})),
-              "\n[Lab]\n" + drivers +
-                  "DisableCtrlAltDel=On\nDoNotUseDefaultCSL=On\nLocTcpBrowserAddress=browser.lan\n"
-                  "BrowserProtocol=UDP\nCompress=On\nProxyType=None\nProxyUseDefault=Off\n"
-                  "EnableAudioInput=Yes\nAudioBandwidthLimit=2\nClientAudio=On\nZLMouseMode=2\n"
-                  "ZLKeyboardMode=0\nDesiredColor=8\nUseDefaultSettingForColormap=No\n"
-                  "DesiredHRES=1024\nDesiredVRES=768\nAddress=citrix1\nInitialProgram=np.exe\n");
-
-    // A seamless published application with every option; mask 0xFBE is all but 0x40.
+    const std::string desk = ica_section(ica("Desk", {{MC_WINDOW_SIZE, "Full Screen"},
+                                                      {MC_ICA_KEYBOARD_LATENCY, "On"},
+                                                      {MC_ICA_SPEEDSCREEN, "On"}}));
+    const std::string lab = ica_section(ica("Lab", {{MC_ICA_LOCATION, "browser.lan"}, {MC_SOUND, "Low"},
+                                                    {MC_ICA_PROTOCOL, "TCP browser"}, {MC_COLOURS, "24-bit"},
+                                                    {MC_ICA_PROXY_TYPE, "None (direct)"},
+                                                    {MC_ICA_PROXY_HOST, "unused"},
+                                                    {MC_ICA_AUDIO_INPUT, "Enabled"}, {MC_PROGRAM, "np.exe"},
+                                                    {MC_ICA_MOUSE_LATENCY, "Automatic"},
+                                                    {MC_WINDOW_SIZE, "1024x768"}, {MC_ICA_MASK, "296"}}));
     connection_record apps = ica(
         "Apps", {{MC_SERVER, "Notepad"}, {MC_ICA_LOCATION, "10.0.0.1,10.0.0.2"},
                  {MC_ICA_PROTOCOL, "SSL/TLS + HTTPS browser"}, {MC_ICA_ENCRYPTION, "RC5 (128 bit)"},
@@ -87,18 +73,7 @@ TEST(appsrv, representative_sections)
     const std::string password = take_password(section);
     EXPECT_EQ(password.substr(0, 4), "0007");
     EXPECT_EQ(decode(password), "secret");
-    EXPECT_EQ(section,
-              "\n[Apps]\n" + drivers +
-                  "DisableCtrlAltDel=Off\nDoNotUseDefaultCSL=On\nSSLEnable=On\n"
-                  "LocHttpBrowserAddress=10.0.0.1,10.0.0.2\nBrowserProtocol=HTTPonTCP\n"
-                  "EncryptionLevelSession=RC5 (128 bit)\nCompress=On\nUseAlternateAddress=On\n"
-                  "ProxyType=SOCKS\nProxyHost=proxy.lan:1080\nProxyUseDefault=Off\n"
-                  "EnableAudioInput=No\nAudioBandwidthLimit=0\nClientAudio=On\n"
-                  "PersistentCacheEnabled=On\nZLMouseMode=1\nZLKeyboardMode=2\n"
-                  "DesiredColor=2\nApproximateColors=On\nApproximateColors=Off\n"
-                  "UseDefaultSettingForColormap=Yes\nScreenPercent=80\nWorkDirectory=C:\\work\n"
-                  "Address=Notepad\nTWIMode=On\nInitialProgram=#Notepad\n"
-                  "Domain=CORP\nUserName=ann\nPassword=*\nSpeedScreen=Off\n");
+    EXPECT_EQ(desk + lab + section, read_file_text(golden("sections.ini")));
 }
 
 // Columns changed from a new connection, and lines the section must hold; a leading "$"

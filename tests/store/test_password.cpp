@@ -49,12 +49,4 @@ TEST(password, stored_forms_by_password_length)
         EXPECT_EQ(unpad_password(stored, "Office"), clear) << stored;
 }
 
-// The seeded encoding is checked through appsrv.ini's password line.
-TEST(password, nfuse_encoding_chains_each_byte_to_the_last)
-{
-    // 'a' ^ 0xA5 = 0xC4 "ME"; 'b' ^ 0xA5 ^ 0xC4 = 0x03 "AD"; 'c' ^ 0xA5 ^ 0x03 = 0xC5 "MF".
-    char out[7] = "zzzzzz";
-    EXPECT_EQ(NFuseEncode(reinterpret_cast<const unsigned char*>("abc"), 3, out), 6);
-    EXPECT_STREQ(out, "MEADMF");
-}
 }  // namespace

@@ -28,41 +28,23 @@ protected:
     }
 };
 
-TEST_F(user_file_test, loads_rows_promoting_or_dropping_them_by_the_master_list)
+// Each case: the file, and the tree it loads to. The administered user's tree starts as a
+// copy of the running user's: the copy must hold what the load holds, not what sessions
+// have since shown in the list.
+TEST_F(user_file_test, loads_rows_promoting_or_dropping_them_by_the_master_list_and_copies_them)
 {
-    const std::string idle = "|0|Not Connected\n";
-    const std::pair<std::string, std::string> cases[] = {
-        {"Version 1.000\n"
-         "TRUE\nDesk\nRDP\nTRUE\nTRUE\nTRUE\n"
-         "FALSE\nMail\nRDP\nFALSE\nFALSE\nFALSE\n"
-         "FALSE\nSpare\nRDP\nFALSE\nFALSE\nFALSE\n"
-         "TRUE\nWeb1\nRDP\nFALSE\nTRUE\nFALSE\n",
-         "TRUE|Desk|RDP|TRUE|TRUE|TRUE" + idle + "  FALSE|Mail|RDP|FALSE|FALSE|FALSE" + idle +
-             "  FALSE|Spare|RDP|FALSE|FALSE|FALSE" + idle + "TRUE|Web1|RDP|FALSE|TRUE|FALSE" + idle},
-        // A first row without a primary is promoted.
-        {"Version 1.000\nFALSE\nDesk\nRDP\nFALSE\nFALSE\nFALSE\n", "TRUE|Desk|RDP|FALSE|FALSE|FALSE" + idle},
-        // A deleted primary: its first secondary leads, the second follows it.
-        {"Version 1.000\nTRUE\nGone\nRDP\nTRUE\nFALSE\nFALSE\nFALSE\nMail\nRDP\nFALSE\nFALSE\nFALSE\n"
-         "FALSE\nSpare\nRDP\nFALSE\nFALSE\nFALSE\n",
-         "TRUE|Mail|RDP|FALSE|FALSE|FALSE" + idle + "  FALSE|Spare|RDP|FALSE|FALSE|FALSE" + idle},
-        // A deleted secondary: the next secondary of the same primary becomes a primary.
-        {"Version 1.000\nTRUE\nDesk\nRDP\nFALSE\nFALSE\nFALSE\nFALSE\nGone\nRDP\nFALSE\nFALSE\nFALSE\n"
-         "FALSE\nSpare\nRDP\nFALSE\nFALSE\nFALSE\n",
-         "TRUE|Desk|RDP|FALSE|FALSE|FALSE" + idle + "TRUE|Spare|RDP|FALSE|FALSE|FALSE" + idle},
-        {"Version 1.000\nTRUE\nDesk\nICA\nFALSE\nFALSE\nFALSE\n", ""},  // same name, other type
-        // Older files have no prompt line.
-        {"TRUE\nDesk\nRDP\nTRUE\nTRUE\nFALSE\nMail\nRDP\nFALSE\nFALSE\n",
-         "TRUE|Desk|RDP|TRUE|TRUE|FALSE" + idle + "  FALSE|Mail|RDP|FALSE|FALSE|FALSE" + idle},
-        // Names are text; flags other than "TRUE" are false.
-        {"Version 1.000\nTRUE\nTRUE\nRDP\ntrue\nTRUE\n1\n", "TRUE|TRUE|RDP|FALSE|TRUE|FALSE" + idle},
-        {"", ""},
-        // Cut short after the name: the type comes from the buffer, one character shorter.
-        {"Version 1.000\nTRUE\nDesk\n", ""},
-    };
-    for (const auto& [file, expected] : cases) {
-        GtkTreeStore* tree = load(file);
-        EXPECT_EQ(shape(tree), expected) << file;
+    for (const auto& record : read_records(golden("user_files.txt"))) {
+        GtkTreeStore* tree = load(record[1]);
+        EXPECT_EQ(shape(tree), record[2]) << record[0];
+        GtkTreeIter first;
+        if (gtk_tree_model_get_iter_first(GTK_TREE_MODEL(tree), &first))
+            gtk_tree_store_set(tree, &first, TC_PID, "4242", TC_STATUS, "Active", TC_POLLS, 3, -1);
+        GtkTreeStore* copy = create_user_tree_store();
+        copy_connection_tree(GTK_TREE_MODEL(tree), copy);
+        EXPECT_EQ(shape(copy), record[2]) << record[0];
+        EXPECT_EQ(dump_model(GTK_TREE_MODEL(copy), {TC_POLLS}).find('3'), std::string::npos) << record[0];
         g_object_unref(tree);
+        g_object_unref(copy);
     }
 }
 
@@ -83,25 +65,6 @@ TEST_F(user_file_test, save_writes_the_selected_tree_and_reloads_the_current_one
     EXPECT_EQ(shape(current_user_connection_tree), "TRUE|Mail|RDP|FALSE|TRUE|TRUE|0|Not Connected\n"
                                                    "  FALSE|Spare|RDP|TRUE|FALSE|TRUE|0|Not Connected\n"
                                                    "TRUE|Desk|RDP|FALSE|FALSE|FALSE|0|Not Connected\n");
-}
-
-// The administered user's tree starts as a copy of the running user's: it must hold what
-// a load of the same file holds, not what sessions have since shown in the list.
-TEST_F(user_file_test, a_copied_tree_is_the_tree_its_file_loads_to)
-{
-    GtkTreeStore* shown = load("Version 1.000\nTRUE\nDesk\nRDP\nTRUE\nFALSE\nTRUE\n"
-                               "FALSE\nMail\nRDP\nFALSE\nTRUE\nFALSE\nTRUE\nWeb1\nRDP\nFALSE\nFALSE\nTRUE\n");
-    GtkTreeIter desk;
-    ASSERT_TRUE(gtk_tree_model_get_iter_first(GTK_TREE_MODEL(shown), &desk));
-    gtk_tree_store_set(shown, &desk, TC_PID, "4242", TC_STATUS, "Active", TC_POLLS, 3, -1);
-    GtkTreeStore* copy = create_user_tree_store();
-    copy_connection_tree(GTK_TREE_MODEL(shown), copy);
-    const std::string idle = "|0|Not Connected\n";
-    EXPECT_EQ(shape(copy), "TRUE|Desk|RDP|TRUE|FALSE|TRUE" + idle + "  FALSE|Mail|RDP|FALSE|TRUE|FALSE" + idle +
-                               "TRUE|Web1|RDP|FALSE|FALSE|TRUE" + idle);
-    EXPECT_EQ(dump_model(GTK_TREE_MODEL(copy), {TC_POLLS}), "0\n  0\n0\n");
-    g_object_unref(shown);
-    g_object_unref(copy);
 }
 
 // Whatever a user puts at the file's name in a home, root never writes through it nor into

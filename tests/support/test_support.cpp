@@ -51,6 +51,22 @@ std::string read_file_text(const std::string& path)
     return text.str();
 }
 
+std::vector<std::vector<std::string>> read_records(const std::string& path)
+{
+    std::vector<std::vector<std::string>> records{{""}};
+    std::istringstream text(read_file_text(path));
+    for (std::string line; std::getline(text, line);) {
+        if (line == "%%")
+            records.push_back({""});
+        else if (line == "--")
+            records.back().push_back("");
+        else
+            records.back().back() += line + "\n";
+    }
+    records.pop_back();  // what follows the last record's end
+    return records;
+}
+
 void make_dirs(const std::string& path) { std::filesystem::create_directories(path); }
 
 static std::string dump_rows(GtkTreeModel* model, GtkTreeIter* parent, std::initializer_list<int> columns,

@@ -59,6 +59,9 @@ private:
 
 void write_file(const std::string& path, const std::string& contents);
 std::string read_file_text(const std::string& path);
+// The records of a data file: each record ends at a line "%%", its fields are parted by
+// lines "--", and every line of a field keeps its line end.
+std::vector<std::vector<std::string>> read_records(const std::string& path);
 void make_dirs(const std::string& path);
 
 // A list or tree model as text, for every model the tests look at: a line a row, children
