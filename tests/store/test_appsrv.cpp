@@ -1,5 +1,7 @@
 #include "store/appsrv.h"
 
+#include "store/master_file.h"
+#include "store/save.h"
 #include "store_fixture.h"
 
 namespace {
@@ -44,36 +46,22 @@ std::string decode(const std::string& hex)
 }
 
 // Desk: full screen without a window manager. Lab, mask 296: compression, audio,
-// approximate colours (written only with 256 colours). Apps: a seamless published
-// application with every option; mask 0xFBE is all but 0x40.
-TEST(appsrv, representative_sections)
+// approximate colours (written only with 256 colours). Office: a seamless published
+// application with every option; mask 0xFBE is all but 0x40. The list holds other types
+// ("ica" too): only ICA connections are listed, in list order, not by name.
+TEST_F(store_test, a_save_describes_the_ica_connections_in_appsrv_ini)
 {
     fill_seedchars();
-    const std::string desk = ica_section(ica("Desk", {{MC_WINDOW_SIZE, "Full Screen"},
-                                                      {MC_ICA_KEYBOARD_LATENCY, "On"},
-                                                      {MC_ICA_SPEEDSCREEN, "On"}}));
-    const std::string lab = ica_section(ica("Lab", {{MC_ICA_LOCATION, "browser.lan"}, {MC_SOUND, "Low"},
-                                                    {MC_ICA_PROTOCOL, "TCP browser"}, {MC_COLOURS, "24-bit"},
-                                                    {MC_ICA_PROXY_TYPE, "None (direct)"},
-                                                    {MC_ICA_PROXY_HOST, "unused"},
-                                                    {MC_ICA_AUDIO_INPUT, "Enabled"}, {MC_PROGRAM, "np.exe"},
-                                                    {MC_ICA_MOUSE_LATENCY, "Automatic"},
-                                                    {MC_WINDOW_SIZE, "1024x768"}, {MC_ICA_MASK, "296"}}));
-    connection_record apps = ica(
-        "Apps", {{MC_SERVER, "Notepad"}, {MC_ICA_LOCATION, "10.0.0.1,10.0.0.2"},
-                 {MC_ICA_PROTOCOL, "SSL/TLS + HTTPS browser"}, {MC_ICA_ENCRYPTION, "RC5 (128 bit)"},
-                 {MC_ICA_PROXY_TYPE, "SOCKS"}, {MC_ICA_PROXY_HOST, "proxy.lan"},
-                 {MC_ICA_PROXY_PORT, "1080"}, {MC_SOUND, "High"}, {MC_ICA_AUDIO_INPUT, "Disabled"},
-                 {MC_ICA_MOUSE_LATENCY, "On"}, {MC_ICA_KEYBOARD_LATENCY, "Automatic"},
-                 {MC_COLOURS, "256"}, {MC_WINDOW_SIZE, "80%"}, {MC_WORKDIR, "C:\\work"},
-                 {MC_PROGRAM, "not used"}, {MC_DOMAIN, "CORP"}, {MC_USERNAME, "ann"},
-                 {MC_ICA_SPEEDSCREEN, "Off"}, {MC_ICA_MASK, "4030"}});
-    apps[MC_PASSWORD] = pad_password("secret", "Apps");
-    std::string section = ica_section(apps);
-    const std::string password = take_password(section);
-    EXPECT_EQ(password.substr(0, 4), "0007");
-    EXPECT_EQ(decode(password), "secret");
-    EXPECT_EQ(desk + lab + section, read_file_text(golden("sections.ini")));
+    make_connection_list(master_connection_list, golden("ica.master").c_str(), 35);
+    GtkTreeIter desk;
+    gtk_tree_model_get_iter_first(GTK_TREE_MODEL(master_connection_list), &desk);
+    gtk_list_store_move_before(master_connection_list, &desk, nullptr);
+    save_master_connections(GTK_TREE_MODEL(master_connection_list), current_master_settings());
+    std::string appsrv = read_file_text(root / "etc/.kestrel/appsrv.ini");
+    const std::string password = take_password(appsrv);
+    EXPECT_EQ(password.substr(0, 4), "0002");
+    EXPECT_EQ(decode(password), "K");
+    EXPECT_EQ(appsrv, read_file_text(golden("appsrv.ini")));
 }
 
 // Columns changed from a new connection, and lines the section must hold; a leading "$"
@@ -123,22 +111,6 @@ TEST(appsrv, the_password_line_holds_up_to_253_characters)
         const std::string password = take_password(section);
         EXPECT_EQ(password.substr(0, 4) + " " + std::to_string(password.size()), length == 253 ? "00fe 512" : " 0");
     }
-}
-
-// Listed in list order, the type compared exactly.
-TEST(appsrv, the_header_lists_the_ica_connections_only)
-{
-    GtkListStore* list = create_master_store();
-    for (const auto& [name, type] : {std::pair{"Alpha", "Web"}, {"Delta", "ica"}, {"Zed", "ICA"}, {"Beta", "ICA"}})
-        insert_master_row(list, -1, ica(name, {{MC_TYPE, type}}));
-    char* text = nullptr;
-    size_t size = 0;
-    FILE* file = open_memstream(&text, &size);
-    write_appsrv_header(file, GTK_TREE_MODEL(list));
-    std::fclose(file);
-    EXPECT_EQ(std::string(text, size), "[WFClient]\nVersion=1\n\n[ApplicationServers]\nZed=\nBeta=\n");
-    std::free(text);
-    g_object_unref(list);
 }
 
 }  // namespace
