@@ -48,7 +48,8 @@ std::string decode(const std::string& hex)
 // Desk: full screen without a window manager. Lab, mask 296: compression, audio,
 // approximate colours (written only with 256 colours). Office: a seamless published
 // application with every option; mask 0xFBE is all but 0x40. The list holds other types
-// ("ica" too): only ICA connections are listed, in list order, not by name.
+// ("ica" too): only ICA connections are listed, in list order, not by name. Loaded, the
+// list is sorted; with Desk moved back to the end it is saved as the file was.
 TEST_F(store_test, a_save_describes_the_ica_connections_in_appsrv_ini)
 {
     fill_seedchars();
@@ -62,6 +63,7 @@ TEST_F(store_test, a_save_describes_the_ica_connections_in_appsrv_ini)
     EXPECT_EQ(password.substr(0, 4), "0002");
     EXPECT_EQ(decode(password), "K");
     EXPECT_EQ(appsrv, read_file_text(golden("appsrv.ini")));
+    EXPECT_EQ(read_file_text(root / "etc/.kestrel/kestrel.master"), read_file_text(golden("ica.master")));
 }
 
 // Columns changed from a new connection, and lines the section must hold; a leading "$"
