@@ -1,5 +1,6 @@
-// Saves on file systems that fill up half-way: small tmpfs mounts of many sizes, in a
-// mount namespace of the test's own, so nothing is seen outside.
+// Saves that meet real faults: file systems that fill up half-way (small tmpfs mounts in
+// a mount namespace of the test's own, so nothing is seen outside), and kills at random
+// instants, as by a power cut or the memory guard. The connection list is never lost.
 #include "editors/connections.h"
 #include "ica/wfclient.h"
 #include "platform/tmp_files.h"
@@ -10,13 +11,41 @@
 #include "store/master_file.h"
 #include "store/models.h"
 #include "store/save.h"
+#include "store/user_file.h"
 #include "support/test_support.h"
 
+#include <chrono>
+#include <random>
 #include <set>
 #include <sys/mount.h>
 #include <sys/statvfs.h>
 
 namespace {
+
+// A master list and a user tree of rows of every type (ICA rows give appsrv.ini
+// sections), named after variant.
+struct connections {
+    GtkListStore* list = create_master_store();
+    GtkTreeStore* tree = create_user_tree_store();
+    connections(const std::string& variant, int rows)
+    {
+        const char* types[] = {"RDP", "ICA", "Web"};
+        for (int i = 0; i < rows; ++i) {
+            connection_record record;
+            record.col = {variant + std::to_string(i), types[i % 3], "", "3389", "1", "server" + std::to_string(i)};
+            record[MC_RDP_FLAGS] = record[MC_ICA_MASK] = "0";
+            insert_master_row(list, -1, record);
+            GtkTreeIter row;
+            gtk_tree_store_insert_with_values(tree, &row, nullptr, -1, TC_PRIMARY, TRUE, TC_NAME, record[MC_NAME].c_str(),
+                                              TC_TYPE, types[i % 3], -1);
+        }
+    }
+    void save() const
+    {
+        save_master_connections(GTK_TREE_MODEL(list), current_master_settings());
+        save_user_connections(GTK_TREE_MODEL(tree), "ann");
+    }
+};
 
 class full_disk_test : public ::testing::Test {
 protected:
@@ -55,18 +84,6 @@ protected:
     message_recorder messages;
 };
 
-GtkTreeModel* web_list(int rows)
-{
-    GtkListStore* list = create_master_store();
-    for (int i = 0; i < rows; ++i) {
-        connection_record record;
-        record.col = {"Site" + std::to_string(1000 + i), "Web", "", "80", "1", "http://intranet.example/"};
-        record[MC_RDP_FLAGS] = record[MC_ICA_MASK] = "0";
-        insert_master_row(list, -1, record);
-    }
-    return GTK_TREE_MODEL(list);
-}
-
 // Every save either writes the new list without a word, or keeps the list that was on
 // disk before it and says which. appsrv.ini is not rolled back and says so on its own.
 TEST_F(full_disk_test, master_saves_never_lose_the_list)
@@ -75,11 +92,11 @@ TEST_F(full_disk_test, master_saves_never_lose_the_list)
     const std::string not_backed_up = "\nError backing up master connection list.\n\nChanges have not been saved.\n";
     const std::string appsrv_not_written =
         "\nError writing appsrv.ini.\n\nYou may be able to free some disk space and try again.\n";
-    GtkTreeModel* lists[] = {web_list(30), web_list(300)};
+    const connections lists[] = {{"Site", 30}, {"Site", 300}};
     std::string texts[2];  // the old list and the new one, saved where there is room
     for (int i : {0, 1}) {
         use_root("roomy", 0, 0);
-        save_master_connections(lists[i], current_master_settings());
+        save_master_connections(GTK_TREE_MODEL(lists[i].list), current_master_settings());
         texts[i] = read_file_text(ica_dir + "/kestrel.master");
     }
     int restores = 0;
@@ -91,7 +108,7 @@ TEST_F(full_disk_test, master_saves_never_lose_the_list)
             for (int save = 1; save <= 2; ++save) {
                 const std::string before = read_file_text(ica_dir + "/kestrel.master");
                 messages.shown.clear();
-                save_master_connections(lists[1], current_master_settings());
+                save_master_connections(GTK_TREE_MODEL(lists[1].list), current_master_settings());
                 const std::string after = read_file_text(ica_dir + "/kestrel.master");
                 std::string said = shown();
                 if (said.ends_with(appsrv_not_written))
@@ -161,6 +178,68 @@ TEST_F(full_disk_test, adding_needs_more_than_four_free_blocks)
         seen += std::to_string(now.f_bfree) + " free: " + (enough_disk_space() ? "let through\n" : "refused\n");
     }
     EXPECT_EQ(seen, "4 free: refused\n5 free: let through\n");
+}
+
+// Every file a killed save writes is afterwards byte for byte the one before or the one
+// after, never cut.
+using killed_save = rooted_test;
+
+TEST_F(killed_save, every_file_is_whole_before_or_after)
+{
+    const int runs = getenv("KESTRELLE_KILLS") ? atoi(getenv("KESTRELLE_KILLS")) : 150;
+    for (const char* dir : {"etc/.kestrel", "tmp/.kestrel", "home/ann"})
+        make_dirs(root / dir);
+    write_file(root / "etc/passwd", "ann:x:1000:1000::/home/ann:/bin/sh\n");
+    ica_dir = root / "etc/.kestrel";
+    current_user_filename = root / "home/ann/kestrel.inf";  // a save of ann's tree reloads it
+    current_user_connection_tree = create_user_tree_store();
+    // The master list, its backup, appsrv.ini and the user's tree.
+    const auto on_disk = [&] {
+        std::vector<std::string> files;
+        for (const char* file : {"etc/.kestrel/kestrel.master", "tmp/.kestrel/kestrel.bak", "etc/.kestrel/appsrv.ini",
+                                 "home/ann/kestrel.inf"})
+            files.push_back(read_file_text(root / file));
+        return files;
+    };
+    const connections lists[] = {{"Alpha", 1000}, {"Beta", 1200}};
+    lists[1].save();
+    const auto start = std::chrono::steady_clock::now();
+    lists[0].save();
+    const auto save_time = std::chrono::steady_clock::now() - start;
+    const std::vector<std::string> a = on_disk();
+    lists[1].save();
+    const std::vector<std::string> b = on_disk();
+
+    std::mt19937 random(42);
+    std::uniform_int_distribution<long> delay(0, std::chrono::duration_cast<std::chrono::microseconds>(save_time).count() * 6 / 5);
+    int inside = 0;
+    for (int run = 0; run < runs; ++run) {
+        const connections& next = on_disk()[0] == b[0] ? lists[0] : lists[1];
+        const pid_t child = fork();
+        if (child == 0) {
+            next.save();
+            _exit(0);
+        }
+        usleep(static_cast<useconds_t>(delay(random)));
+        kill(child, SIGKILL);
+        int status = 0;
+        waitpid(child, &status, 0);
+        inside += WIFSIGNALED(status);
+        const std::vector<std::string> now = on_disk();
+        for (size_t i = 0; i < now.size(); ++i) {
+            const size_t as = i == 1 ? 0 : i;  // the backup is a master list
+            EXPECT_TRUE(now[i] == a[as] || now[i] == b[as]) << "kill " << run << " left file " << i << " cut";
+        }
+    }
+    std::printf("%d kills, %d inside a save\n", runs, inside);
+    EXPECT_GT(inside, runs / 4) << "the kills missed the saves";
+
+    // A save after the kills leaves no temporary file behind.
+    lists[0].save();
+    EXPECT_TRUE(messages.shown.empty());
+    for (const char* dir : {"etc/.kestrel", "tmp/.kestrel", "home/ann"})
+        for (const auto& entry : std::filesystem::directory_iterator(root / dir))
+            EXPECT_FALSE(entry.path().filename().string().ends_with(".new")) << entry.path();
 }
 
 }  // namespace
