@@ -2,8 +2,6 @@
 
 #include "store_fixture.h"
 
-#include <optional>
-
 namespace {
 
 class user_file_test : public store_test {
@@ -19,13 +17,6 @@ protected:
         return dump_model(GTK_TREE_MODEL(tree), {TC_PRIMARY, TC_NAME, TC_TYPE, TC_AUTOMATIC, TC_PERSISTENT,
                                                  TC_PROMPT, TC_PID, TC_STATUS});
     }
-    GtkTreeStore* load(const std::string& text)
-    {
-        write_file(root / "kestrel.inf", text);
-        GtkTreeStore* tree = create_user_tree_store();
-        make_connection_tree(tree, (root / "kestrel.inf").c_str(), 6);
-        return tree;
-    }
 };
 
 // Each case: the file, and the tree it loads to. The administered user's tree starts as a
@@ -33,18 +24,19 @@ protected:
 // have since shown in the list.
 TEST_F(user_file_test, loads_rows_promoting_or_dropping_them_by_the_master_list_and_copies_them)
 {
+    GtkTreeStore *loaded = current_user_connection_tree, *copy = selected_user_connection_tree;
     for (const auto& record : read_records(golden("user_files.txt"))) {
-        GtkTreeStore* tree = load(record[1]);
-        EXPECT_EQ(shape(tree), record[2]) << record[0];
+        write_file(current_user_filename, record[1]);
+        gtk_tree_store_clear(loaded);
+        gtk_tree_store_clear(copy);
+        make_connection_tree(loaded, current_user_filename.c_str(), 6);
+        EXPECT_EQ(shape(loaded), record[2]) << record[0];
         GtkTreeIter first;
-        if (gtk_tree_model_get_iter_first(GTK_TREE_MODEL(tree), &first))
-            gtk_tree_store_set(tree, &first, TC_PID, "4242", TC_STATUS, "Active", TC_POLLS, 3, -1);
-        GtkTreeStore* copy = create_user_tree_store();
-        copy_connection_tree(GTK_TREE_MODEL(tree), copy);
+        if (gtk_tree_model_get_iter_first(GTK_TREE_MODEL(loaded), &first))
+            gtk_tree_store_set(loaded, &first, TC_PID, "4242", TC_STATUS, "Active", TC_POLLS, 3, -1);
+        copy_connection_tree(GTK_TREE_MODEL(loaded), copy);
         EXPECT_EQ(shape(copy), record[2]) << record[0];
         EXPECT_EQ(dump_model(GTK_TREE_MODEL(copy), {TC_POLLS}).find('3'), std::string::npos) << record[0];
-        g_object_unref(tree);
-        g_object_unref(copy);
     }
 }
 
@@ -73,24 +65,23 @@ TEST_F(user_file_test, saves_refuse_what_is_not_the_users_file_and_report_failur
 {
     const std::string file = root / "home/ann/kestrel.inf", target = root / "target";
     const std::string target_text = "Version 1.000\nTRUE\nMail\nRDP\nFALSE\nFALSE\nFALSE\n";
-    const std::string not_opened = "\nCouldn't open user connection tree for writing.\n";
     const struct {
         const char* what;
         std::function<void()> plant;
-        std::string message;
         const char* user = "ann";
         int rows_loaded = 0;
+        std::string message = "\nCouldn't open user connection tree for writing.\n";
     } rows[] = {
-        {"a user not in the database", [] {}, not_opened, "nobody"},
-        {"no home folder", [&] { std::filesystem::remove_all(root / "home/ann"); }, not_opened},
-        {"a link", [&] { symlink(target.c_str(), file.c_str()); }, not_opened},
-        {"a link to a device", [&] { symlink("/dev/zero", file.c_str()); }, not_opened},
-        {"a FIFO", [&] { mkfifo(file.c_str(), 0644); }, not_opened},
-        {"a folder", [&] { make_dirs(file); }, not_opened},
-        {"a second name of another file", [&] { link(target.c_str(), file.c_str()); }, not_opened, "ann", 1},
-        {"another user's file", [&] { write_file(file, "theirs\n"); chown(file.c_str(), 4242, 4242); }, not_opened},
-        {"a full disk", [] {}, "\nError writing user connection tree.\n"},
-        {"nothing there", [] {}, ""},
+        {"a user not in the database", [] {}, "nobody"},
+        {"no home folder", [&] { std::filesystem::remove_all(root / "home/ann"); }},
+        {"a link", [&] { symlink(target.c_str(), file.c_str()); }},
+        {"a link to a device", [&] { symlink("/dev/zero", file.c_str()); }},
+        {"a FIFO", [&] { mkfifo(file.c_str(), 0644); }},
+        {"a folder", [&] { make_dirs(file); }},
+        {"a second name of another file", [&] { link(target.c_str(), file.c_str()); }, "ann", 1},
+        {"another user's file", [&] { write_file(file, "theirs\n"); chown(file.c_str(), 4242, 4242); }},
+        {"a full disk", [] {}, "ann", 0, "\nError writing user connection tree.\n"},
+        {"nothing there", [] {}, "ann", 0, ""},
     };
     locate_key key{"Desk", "RDP", {}, FALSE};
     save_if_unique_connection(selected_user_connection_tree, &key);
@@ -105,9 +96,7 @@ TEST_F(user_file_test, saves_refuse_what_is_not_the_users_file_and_report_failur
         g_object_unref(loaded);
         messages.shown.clear();
         {
-            std::optional<full_disk> full;
-            if (row.message == "\nError writing user connection tree.\n")
-                full.emplace();
+            const full_disk full(row.message.starts_with("\nError writing") ? 8 : RLIM_INFINITY);
             save_user_connections(GTK_TREE_MODEL(selected_user_connection_tree), row.user);
         }
         EXPECT_EQ(messages.shown, (row.message.empty() ? std::vector<std::string>{} : std::vector{row.message}))
