@@ -47,28 +47,25 @@ struct connections {
     }
 };
 
-class full_disk_test : public ::testing::Test {
+class full_disk_test : public rooted_test {
 protected:
     void SetUp() override
     {
         if (geteuid() != 0 || unshare(CLONE_NEWNS) != 0 || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
             GTEST_SKIP() << "mounting small file systems needs root and a private mount namespace";
+        set_ica_dir(root / "etc/.kestrel");
+        tmp_dir = root / "tmp/.kestrel";
     }
-    // Points the program's folders into a new folder of work, with a tmpfs of the given
-    // KiB at its /etc and one at its /tmp (none for 0), till TearDown.
-    void use_root(const std::string& name, int etc_kib, int tmp_kib)
+    // Fresh file systems of the given KiB at the root's /etc and /tmp (none for 0), till TearDown.
+    void mount_small(int etc_kib, int tmp_kib)
     {
         TearDown();
-        root = work / name;
-        setenv("KESTRELLE_ROOT", root.c_str(), 1);
-        for (const auto& [dir, kib] : {std::pair{root + "/etc", etc_kib}, {root + "/tmp", tmp_kib}}) {
+        for (const auto& [dir, kib] : {std::pair{root / "etc", etc_kib}, {root / "tmp", tmp_kib}}) {
             make_dirs(dir);
             const std::string size = "size=" + std::to_string(kib) + "k";
             if (kib > 0 && mount("tmpfs", dir.c_str(), "tmpfs", 0, size.c_str()) == 0)
                 mounted.push_back(dir);
         }
-        set_ica_dir(root + "/etc/.kestrel");
-        tmp_dir = root + "/tmp/.kestrel";
         make_dirs(ica_dir);
         make_dirs(tmp_dir);
     }
@@ -78,10 +75,7 @@ protected:
             umount(mounted.back().c_str());
     }
     std::string shown() const { return std::accumulate(messages.shown.begin(), messages.shown.end(), std::string()); }
-    temp_dir work;
-    std::string root;
     std::vector<std::string> mounted;
-    message_recorder messages;
 };
 
 // Every save either writes the new list without a word, or keeps the list that was on
@@ -95,7 +89,7 @@ TEST_F(full_disk_test, master_saves_never_lose_the_list)
     const connections lists[] = {{"Site", 30}, {"Site", 300}};
     std::string texts[2];  // the old list and the new one, saved where there is room
     for (int i : {0, 1}) {
-        use_root("roomy", 0, 0);
+        mount_small(0, 0);
         save_master_connections(GTK_TREE_MODEL(lists[i].list), current_master_settings());
         texts[i] = read_file_text(ica_dir + "/kestrel.master");
     }
@@ -103,7 +97,7 @@ TEST_F(full_disk_test, master_saves_never_lose_the_list)
     // From 8 KiB: the old master file and appsrv.ini take a page each.
     for (int etc_kib : {8, 12, 16, 20, 24, 28, 32, 36, 40, 48})
         for (int tmp_kib : {4, 8, 64}) {
-            use_root("case-" + std::to_string(etc_kib) + "-" + std::to_string(tmp_kib), etc_kib, tmp_kib);
+            mount_small(etc_kib, tmp_kib);
             write_file(ica_dir + "/kestrel.master", texts[0]);
             for (int save = 1; save <= 2; ++save) {
                 const std::string before = read_file_text(ica_dir + "/kestrel.master");
@@ -139,8 +133,8 @@ TEST_F(full_disk_test, rewritten_files_are_whole_or_unchanged)
         const std::string now = size ? options + "SHOW_TASKBAR=TRUE\nKIOSK_BROWSER=FALSE\n" : add_servers(wfclient);
         std::set<bool> replaced;
         for (int filler_kib : {0, 8, 16, 24, 32, 40}) {
-            use_root("rewrite-" + std::to_string(size) + "-" + std::to_string(filler_kib), 48, 64);
-            const std::string path = size ? root + "/etc/zarvooptions" : wfclient_file;
+            mount_small(48, 64);
+            const std::string path = size ? root / "etc/zarvooptions" : wfclient_file;
             write_file(path, old);
             write_file(ica_dir + "/filler", std::string(filler_kib * 1024, 'f'));
             show_taskbar = 1;
@@ -157,8 +151,8 @@ TEST_F(full_disk_test, rewritten_files_are_whole_or_unchanged)
         }
         EXPECT_EQ(replaced.size(), 2u) << size;
     }
-    use_root("full-tmp", 64, 4);
-    write_file(root + "/etc/zarvooptions", "ZARVOSHELL=kestrelle\n" + std::string(5000, '#') + "\n");
+    mount_small(64, 4);
+    write_file(root / "etc/zarvooptions", "ZARVOSHELL=kestrelle\n" + std::string(5000, '#') + "\n");
     messages.shown.clear();
     write_zarvooptions();
     EXPECT_EQ(shown(), "\nError writing Zarvo options temporary configuration file, changes not saved.\n");
@@ -167,7 +161,7 @@ TEST_F(full_disk_test, rewritten_files_are_whole_or_unchanged)
 // Adding a connection needs more than 4 free blocks where the master list lives.
 TEST_F(full_disk_test, adding_needs_more_than_four_free_blocks)
 {
-    use_root("adding", 64, 0);
+    mount_small(64, 0);
     struct statvfs fs;
     statvfs(ica_dir.c_str(), &fs);
     std::string seen;
