@@ -49,10 +49,12 @@ std::string decode(const std::string& hex)
 // approximate colours (written only with 256 colours). Office: a seamless published
 // application with every option; mask 0xFBE is all but 0x40. The list holds other types
 // ("ica" too): only ICA connections are listed, in list order, not by name. Loaded, the
-// list is sorted; with Desk moved back to the end it is saved as the file was.
-TEST_F(store_test, a_save_describes_the_ica_connections_in_appsrv_ini)
+// list is sorted; with Desk moved back to the end it is saved as the file was, with the
+// Web row's every column and the header's GUI line.
+TEST_F(store_test, a_loaded_list_saves_back_byte_for_byte_and_describes_its_ica_rows)
 {
     fill_seedchars();
+    show_gui = 0;
     make_connection_list(master_connection_list, golden("ica.master").c_str(), 35);
     GtkTreeIter desk;
     gtk_tree_model_get_iter_first(GTK_TREE_MODEL(master_connection_list), &desk);
