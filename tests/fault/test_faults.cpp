@@ -1,6 +1,5 @@
-// Saves that meet real faults: file systems that fill up half-way (small tmpfs mounts in
-// a mount namespace of the test's own, so nothing is seen outside), and kills at random
-// instants, as by a power cut or the memory guard. The connection list is never lost.
+// Saves meeting real faults: disks that fill up half-way (small tmpfs mounts in a mount
+// namespace of the test's own) and kills at random instants. The list is never lost.
 #include "editors/connections.h"
 #include "ica/wfclient.h"
 #include "platform/tmp_files.h"
@@ -22,8 +21,7 @@
 
 namespace {
 
-// A master list and a user tree of rows of every type (ICA rows give appsrv.ini
-// sections), named after variant.
+// A master list and a user tree of rows of every type (ICA rows fill appsrv.ini).
 struct connections {
     GtkListStore* list = create_master_store();
     GtkTreeStore* tree = create_user_tree_store();
@@ -62,8 +60,7 @@ protected:
         TearDown();
         for (const auto& [dir, kib] : {std::pair{root / "etc", etc_kib}, {root / "tmp", tmp_kib}}) {
             make_dirs(dir);
-            const std::string size = "size=" + std::to_string(kib) + "k";
-            if (kib > 0 && mount("tmpfs", dir.c_str(), "tmpfs", 0, size.c_str()) == 0)
+            if (kib > 0 && mount("tmpfs", dir.c_str(), "tmpfs", 0, ("size=" + std::to_string(kib) + "k").c_str()) == 0)
                 mounted.push_back(dir);
         }
         make_dirs(ica_dir);
@@ -227,13 +224,6 @@ TEST_F(killed_save, every_file_is_whole_before_or_after)
     }
     std::printf("%d kills, %d inside a save\n", runs, inside);
     EXPECT_GT(inside, runs / 4) << "the kills missed the saves";
-
-    // A save after the kills leaves no temporary file behind.
-    lists[0].save();
-    EXPECT_TRUE(messages.shown.empty());
-    for (const char* dir : {"etc/.kestrel", "tmp/.kestrel", "home/ann"})
-        for (const auto& entry : std::filesystem::directory_iterator(root / dir))
-            EXPECT_FALSE(entry.path().filename().string().ends_with(".new")) << entry.path();
 }
 
 }  // namespace

@@ -7,26 +7,16 @@
 
 namespace {
 
-TEST(root_prefix, moves_every_path_but_devices)
-{
-    {
-        scoped_root root("/sandbox");
-        EXPECT_EQ(root_path("/etc/.kestrel/kestrel.master"), "/sandbox/etc/.kestrel/kestrel.master");
-        EXPECT_EQ(root_path("/dev/null"), "/dev/null");
-    }
-    scoped_root empty("");
-    EXPECT_EQ(root_path("/tmp/zarvoca.log"), "/tmp/zarvoca.log");
-}
-
 using platform_test = rooted_test;
 
-TEST_F(platform_test, users_come_from_private_databases_under_the_root)
+TEST_F(platform_test, users_and_paths_come_from_under_the_root_but_devices)
 {
     write_file(root / "etc/passwd", "root:x:0:0:root:/root:/bin/sh\nann:x:1000:1000:Ann:/home/ann:/bin/sh\n"
                                     "bob:x:1001:0::/home/bob:/bin/sh\n");
     write_file(root / "etc/group", "root:x:0:bob\nshutdown:x:70:ann,carl\nreboot:x:71:\nann:x:1000:\n");
     ASSERT_TRUE(user_by_uid(1000));
     EXPECT_EQ(user_by_uid(1000)->name + " " + user_by_uid(1000)->home, "ann " + root.path() + "/home/ann");
+    EXPECT_EQ(root_path("/dev/null"), "/dev/null");
     EXPECT_EQ(user_by_name("bob")->gid, 0u);
     EXPECT_FALSE(user_by_name("carl"));
     EXPECT_EQ(all_users().size(), 3u);
@@ -34,9 +24,9 @@ TEST_F(platform_test, users_come_from_private_databases_under_the_root)
     EXPECT_FALSE(group_lists_member("turnoff", "ann")) << "a missing group has no members";
 }
 
-// Lines reach the file at once. Past its limit the log moves aside once and starts afresh. A link planted at the older
-// copy's name is replaced, not written through; when the log's own name was swapped for
-// a link, the file in hand is emptied instead and the link's target is left alone.
+// Lines reach the file at once. Past its limit the log moves aside once and starts afresh.
+// A link planted at the older copy's name is replaced, not written through; when the log's
+// own name was swapped for a link, the file in hand is emptied and the target left alone.
 TEST_F(platform_test, log_is_flushed_and_moves_aside_past_its_limit_without_following_links)
 {
     const std::string log = root / "tmp/zarvoca.log", older = log + ".old", target = root / "target";

@@ -40,31 +40,15 @@ TEST_F(user_file_test, loads_rows_promoting_or_dropping_them_by_the_master_list_
     }
 }
 
-TEST_F(user_file_test, save_writes_the_selected_tree_and_reloads_the_current_one)
-{
-    // Each flag column differs from the others over the two rows: a swap shows.
-    const std::string home_file = root / "home/ann/kestrel.inf";
-    const std::string rows = "TRUE\nMail\nRDP\nFALSE\nTRUE\nTRUE\nFALSE\nSpare\nRDP\nTRUE\nFALSE\nTRUE\n";
-    write_file(home_file, "Version 1.000\n" + rows);
-    make_connection_tree(selected_user_connection_tree, home_file.c_str(), 6);
-    locate_key key{"Desk", "RDP", {}, FALSE};
-    ASSERT_EQ(save_if_unique_connection(selected_user_connection_tree, &key), 1);
-    ASSERT_EQ(save_if_unique_connection(selected_user_connection_tree, &key), 0);
-    EXPECT_EQ(messages.shown, std::vector<std::string>{"\nA connection with that name and type already exists.\n"});
-
-    save_user_connections(GTK_TREE_MODEL(selected_user_connection_tree), "ann");
-    EXPECT_EQ(read_file_text(home_file), "Version 1.000\n" + rows + "TRUE\nDesk\nRDP\nFALSE\nFALSE\nFALSE\n");
-    EXPECT_EQ(shape(current_user_connection_tree), "TRUE|Mail|RDP|FALSE|TRUE|TRUE|0|Not Connected\n"
-                                                   "  FALSE|Spare|RDP|TRUE|FALSE|TRUE|0|Not Connected\n"
-                                                   "TRUE|Desk|RDP|FALSE|FALSE|FALSE|0|Not Connected\n");
-}
-
 // Whatever a user puts at the file's name in a home, root never writes through it nor into
-// it, and loading it neither blocks nor reads through a link; a new file belongs to the user.
-TEST_F(user_file_test, saves_refuse_what_is_not_the_users_file_and_report_failures)
+// it, and loading it neither blocks nor reads through a link. Where nothing is, the save
+// writes the selected tree (each flag column differs from the others over its rows: a swap
+// shows) to a new file of the user's, and reloads the running user's tree from it.
+TEST_F(user_file_test, saves_write_only_the_users_own_file_and_report_failures)
 {
     const std::string file = root / "home/ann/kestrel.inf", target = root / "target";
     const std::string target_text = "Version 1.000\nTRUE\nMail\nRDP\nFALSE\nFALSE\nFALSE\n";
+    const std::string saved_rows = "TRUE\nMail\nRDP\nFALSE\nTRUE\nTRUE\nFALSE\nSpare\nRDP\nTRUE\nFALSE\nTRUE\n";
     const struct {
         const char* what;
         std::function<void()> plant;
@@ -83,17 +67,21 @@ TEST_F(user_file_test, saves_refuse_what_is_not_the_users_file_and_report_failur
         {"a full disk", [] {}, "ann", 0, "\nError writing user connection tree.\n"},
         {"nothing there", [] {}, "ann", 0, ""},
     };
+    write_file(file, "Version 1.000\n" + saved_rows);
+    make_connection_tree(selected_user_connection_tree, file.c_str(), 6);
     locate_key key{"Desk", "RDP", {}, FALSE};
-    save_if_unique_connection(selected_user_connection_tree, &key);
+    ASSERT_EQ(save_if_unique_connection(selected_user_connection_tree, &key), 1);
+    ASSERT_EQ(save_if_unique_connection(selected_user_connection_tree, &key), 0);
+    EXPECT_EQ(messages.shown, std::vector<std::string>{"\nA connection with that name and type already exists.\n"});
     for (const auto& row : rows) {
         std::filesystem::remove_all(root / "home/ann");
         make_dirs(root / "home/ann");
         write_file(target, target_text);
         row.plant();
-        GtkTreeStore* loaded = create_user_tree_store();
-        make_connection_tree(loaded, file.c_str(), 6);
-        EXPECT_EQ(gtk_tree_model_iter_n_children(GTK_TREE_MODEL(loaded), nullptr), row.rows_loaded) << row.what;
-        g_object_unref(loaded);
+        gtk_tree_store_clear(current_user_connection_tree);
+        make_connection_tree(current_user_connection_tree, file.c_str(), 6);
+        EXPECT_EQ(gtk_tree_model_iter_n_children(GTK_TREE_MODEL(current_user_connection_tree), nullptr), row.rows_loaded)
+            << row.what;
         messages.shown.clear();
         {
             const full_disk full(row.message.starts_with("\nError writing") ? 8 : RLIM_INFINITY);
@@ -103,7 +91,10 @@ TEST_F(user_file_test, saves_refuse_what_is_not_the_users_file_and_report_failur
             << row.what;
         EXPECT_EQ(read_file_text(target), target_text) << row.what;
     }
-    EXPECT_EQ(read_file_text(file), "Version 1.000\nTRUE\nDesk\nRDP\nFALSE\nFALSE\nFALSE\n");
+    EXPECT_EQ(read_file_text(file), "Version 1.000\n" + saved_rows + "TRUE\nDesk\nRDP\nFALSE\nFALSE\nFALSE\n");
+    EXPECT_EQ(shape(current_user_connection_tree), "TRUE|Mail|RDP|FALSE|TRUE|TRUE|0|Not Connected\n"
+                                                   "  FALSE|Spare|RDP|TRUE|FALSE|TRUE|0|Not Connected\n"
+                                                   "TRUE|Desk|RDP|FALSE|FALSE|FALSE|0|Not Connected\n");
     struct stat st;
     ASSERT_EQ(stat(file.c_str(), &st), 0);
     EXPECT_EQ(st.st_uid, geteuid() == 0 ? 1000u : geteuid());
