@@ -11,13 +11,10 @@ protected:
         write_file(root / "master", text);
         make_connection_list(master_connection_list, (root / "master").c_str(), 35);
     }
-    connection_record row(int index)
+    std::string rows(std::initializer_list<int> columns = {MC_NAME, MC_TYPE})
     {
-        GtkTreeIter iter;
-        gtk_tree_model_iter_nth_child(GTK_TREE_MODEL(master_connection_list), &iter, nullptr, index);
-        return read_master_row(GTK_TREE_MODEL(master_connection_list), &iter);
+        return dump_model(GTK_TREE_MODEL(master_connection_list), columns);
     }
-    std::string rows() { return dump_model(GTK_TREE_MODEL(master_connection_list), {MC_NAME, MC_TYPE}); }
 };
 
 // Every column's line: the appsrv.ini test, which saves a stored list again.
@@ -35,20 +32,21 @@ TEST_F(master_file_test, header_and_ping_lines_are_compared_exactly)
     show_gui = 1;
     load(master_text("A\nWeb\nstandard echo\n" + std::string(32, '\n'), "show gui"));
     EXPECT_EQ(show_gui, 0) << "the GUI line is compared exactly";
-    EXPECT_FALSE(row(0).ping_first) << "the ping line is compared exactly";
+    EXPECT_EQ(rows({MC_PING}), "FALSE\n") << "the ping line is compared exactly";
     make_connection_list(master_connection_list, (root / "none").c_str(), 35);
     EXPECT_EQ(rows(), "A|Web\n") << "a missing file changes nothing";
 }
 
-// Types number the records in file order; rows already in the list have type "old".
-TEST_F(master_file_test, orders_by_name_without_case_and_equal_names_in_file_order)
+// The ping ports number the records in file order; rows already in the list have type
+// "old" and no port. Look-ups by exact name and type find the first row in list order.
+TEST_F(master_file_test, orders_by_name_without_case_and_finds_the_first_row_of_a_name_and_type)
 {
     const struct { std::vector<std::string> present, file; std::string expected; } cases[] = {
-        {{}, {"beta", "Alpha", "alpha", "Desk", "Desk"}, "Alpha|1\nalpha|2\nbeta|0\nDesk|3\nDesk|4\n"},
         // "a\t" sorts before "a\n" but after "a": the list is no longer sorted, and each
         // name still goes before the first row that is not less than it.
         {{}, {"a\t", "a", "a!", "a"}, "a\t|0\na|1\na|3\na!|2\n"},
-        {{"b", "d"}, {"c", "a", "e"}, "a|1\nb|old\nc|0\nd|old\ne|2\n"},
+        {{"b", "d"}, {"c", "a", "e"}, "a|1\nb|\nc|0\nd|\ne|2\n"},
+        {{"Desk"}, {"beta", "Alpha", "alpha", "Desk", "Desk"}, "Alpha|1\nalpha|2\nbeta|0\nDesk|\nDesk|3\nDesk|4\n"},
     };
     for (const auto& c : cases) {
         gtk_list_store_clear(master_connection_list);
@@ -56,43 +54,29 @@ TEST_F(master_file_test, orders_by_name_without_case_and_equal_names_in_file_ord
             add_master(name, "old");
         std::string text = master_text("");
         for (size_t i = 0; i < c.file.size(); ++i)
-            text += master_record(c.file[i], std::to_string(i), false, "");
+            text += master_record(c.file[i], "RDP", false, std::to_string(i));
         load(text);
-        EXPECT_EQ(rows(), c.expected);
+        EXPECT_EQ(rows({MC_NAME, MC_PING_PORT}), c.expected);
     }
-}
-
-// Look-ups by exact name and type find the first row in list order, whatever the file
-// order (later changes of the list: the spawn tests).
-TEST_F(master_file_test, a_loaded_list_finds_the_first_row_of_each_name_and_type)
-{
-    const auto found = [](const char* name, const char* type) {
+    const struct { const char *name, *type, *port; } finds[] = {
+        {"Desk", "RDP", "3"}, {"Desk", "old", ""}, {"alpha", "RDP", "2"}, {"desk", "RDP", "none"},
+        {"Desk ", "RDP", "none"}, {"beta", "ICA", "none"},
+    };
+    for (const auto& f : finds) {
         GtkTreeIter iter;
-        if (!find_master_row(master_connection_list, name, type, &iter))
-            return std::string("none");
-        return read_master_row(GTK_TREE_MODEL(master_connection_list), &iter)[MC_PING_PORT];
-    };
-    load(master_text(master_record("Mail", "RDP", false, "1") + master_record("Desk", "RDP", false, "2") +
-                     master_record("Mail", "Web", false, "3") + master_record("Desk", "RDP", false, "4") +
-                     master_record("desk", "RDP", false, "5") + master_record("Alpha", "ICA", false, "6")));
-    const struct { const char *name, *type, *port; } cases[] = {
-        {"Mail", "RDP", "1"}, {"Desk", "RDP", "2"}, {"Mail", "Web", "3"}, {"desk", "RDP", "5"},
-        {"Alpha", "ICA", "6"}, {"Alpha", "RDP", "none"}, {"Desk ", "RDP", "none"},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(found(c.name, c.type), c.port) << c.name << "/" << c.type;
+        const bool found = find_master_row(master_connection_list, f.name, f.type, &iter);
+        EXPECT_EQ(found ? read_master_row(GTK_TREE_MODEL(master_connection_list), &iter)[MC_PING_PORT] : "none", f.port)
+            << f.name << "/" << f.type;
+    }
 }
 
 TEST_F(master_file_test, over_long_lines_and_a_cut_last_record)
 {
-    // Column 8's rest becomes column 9, and the record shifts: its last line ("0") is left
-    // over and becomes a record of its own.
+    // Column 8's rest becomes column 9 (a second long line is not skipped), and the record
+    // shifts: its last line ("0") is left over and becomes a record of its own.
     load(master_text(master_record("A", "RDP", false, "", {{5, std::string(150, 'x')}, {8, std::string(110, 'y')}})));
-    ASSERT_EQ(rows(), "0|\nA|RDP\n");
-    EXPECT_EQ(row(1)[MC_SERVER], std::string(100, 'x'));
-    EXPECT_EQ(row(1)[MC_PROGRAM], std::string(100, 'y'));
-    EXPECT_EQ(row(1)[MC_WORKDIR], std::string(9, 'y')) << "the second long line is not skipped";
-    EXPECT_EQ(row(1)[MC_USERNAME], "");
+    EXPECT_EQ(rows({MC_NAME, MC_TYPE, MC_SERVER, MC_PROGRAM, MC_WORKDIR, MC_USERNAME}),
+              "0|||||\nA|RDP|" + std::string(100, 'x') + "|" + std::string(100, 'y') + "|yyyyyyyyy|\n");
     // A file cut after the type line still gives its record.
     gtk_list_store_clear(master_connection_list);
     load(master_text("Cut\nRDPX"));
