@@ -196,13 +196,13 @@ TEST_F(killed_save, every_file_is_whole_before_or_after)
     lists[1].save();
     const auto start = std::chrono::steady_clock::now();
     lists[0].save();
-    const auto save_time = std::chrono::steady_clock::now() - start;
+    const auto save_us = std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start);
     const std::vector<std::string> a = on_disk();
     lists[1].save();
     const std::vector<std::string> b = on_disk();
 
     std::mt19937 random(42);
-    std::uniform_int_distribution<long> delay(0, std::chrono::duration_cast<std::chrono::microseconds>(save_time).count() * 6 / 5);
+    std::uniform_int_distribution<long> delay(0, save_us.count() * 6 / 5);
     int inside = 0;
     for (int run = 0; run < runs; ++run) {
         const connections& next = on_disk()[0] == b[0] ? lists[0] : lists[1];

@@ -1,9 +1,11 @@
 #pragma once
 // The store tests run in a private root with the program's folders and fresh models.
 #include "store/ica_paths.h"
+#include "store/master_file.h"
 #include "store/models.h"
 #include "store/password.h"
 #include "store/record.h"
+#include "store/save.h"
 #include "support/test_support.h"
 
 inline std::string golden(const std::string& name) { return std::string(GOLDEN_DIR) + "/" + name; }
@@ -29,6 +31,8 @@ protected:
         g_clear_object(&current_user_connection_tree);
         g_clear_object(&selected_user_connection_tree);
     }
+    std::string master_file() { return read_file_text(root / "etc/.kestrel/kestrel.master"); }
+    void save() { save_master_connections(GTK_TREE_MODEL(master_connection_list), current_master_settings()); }
     void add_master(const std::string& name, const std::string& type, std::map<int, std::string> columns = {})
     {
         connection_record record;

@@ -15,7 +15,7 @@ protected:
     static std::string shape(GtkTreeStore* tree)
     {
         return dump_model(GTK_TREE_MODEL(tree), {TC_PRIMARY, TC_NAME, TC_TYPE, TC_AUTOMATIC, TC_PERSISTENT,
-                                                 TC_PROMPT, TC_PID, TC_STATUS});
+                                                 TC_PROMPT, TC_PID, TC_STATUS, TC_POLLS});
     }
 };
 
@@ -36,7 +36,6 @@ TEST_F(user_file_test, loads_rows_promoting_or_dropping_them_by_the_master_list_
             gtk_tree_store_set(loaded, &first, TC_PID, "4242", TC_STATUS, "Active", TC_POLLS, 3, -1);
         copy_connection_tree(GTK_TREE_MODEL(loaded), copy);
         EXPECT_EQ(shape(copy), record[2]) << record[0];
-        EXPECT_EQ(dump_model(GTK_TREE_MODEL(copy), {TC_POLLS}).find('3'), std::string::npos) << record[0];
     }
 }
 
@@ -92,9 +91,9 @@ TEST_F(user_file_test, saves_write_only_the_users_own_file_and_report_failures)
         EXPECT_EQ(read_file_text(target), target_text) << row.what;
     }
     EXPECT_EQ(read_file_text(file), "Version 1.000\n" + saved_rows + "TRUE\nDesk\nRDP\nFALSE\nFALSE\nFALSE\n");
-    EXPECT_EQ(shape(current_user_connection_tree), "TRUE|Mail|RDP|FALSE|TRUE|TRUE|0|Not Connected\n"
-                                                   "  FALSE|Spare|RDP|TRUE|FALSE|TRUE|0|Not Connected\n"
-                                                   "TRUE|Desk|RDP|FALSE|FALSE|FALSE|0|Not Connected\n");
+    EXPECT_EQ(shape(current_user_connection_tree), "TRUE|Mail|RDP|FALSE|TRUE|TRUE|0|Not Connected|0\n"
+                                                   "  FALSE|Spare|RDP|TRUE|FALSE|TRUE|0|Not Connected|0\n"
+                                                   "TRUE|Desk|RDP|FALSE|FALSE|FALSE|0|Not Connected|0\n");
     struct stat st;
     ASSERT_EQ(stat(file.c_str(), &st), 0);
     EXPECT_EQ(st.st_uid, geteuid() == 0 ? 1000u : geteuid());
