@@ -8,19 +8,6 @@
 
 namespace {
 
-// The records of golden/NAME: lines, one blank line between records, "#" lines are notes.
-std::vector<texts> golden_records(const std::string& name)
-{
-    std::vector<texts> records(1);
-    std::istringstream lines(read_file_text(std::string(GOLDEN_DIR) + "/" + name));
-    for (std::string line; std::getline(lines, line);)
-        if (line.empty())
-            records.emplace_back();
-        else if (line[0] != '#')
-            records.back().push_back(line);
-    return records;
-}
-
 // A master row as its 36 columns joined by "|": 2 and 35 are TRUE or FALSE, and the
 // password (11) is in clear (stored padded with the row's name).
 connection_record parse_row(const std::string& columns)
@@ -82,8 +69,8 @@ const std::map<std::string, std::pair<editor_opener, const char*>> editor_of_typ
 // shows here) and saved unchanged; or a new connection saved as its editor opens.
 TEST_F(admin_test, every_editor_saves_what_it_shows)
 {
-    for (const texts& rows : golden_records("editor_rows")) {
-        SCOPED_TRACE(rows.at(0));  // a record without rows fails here
+    for (const texts& rows : read_blocks(GOLDEN_DIR "/editor_rows")) {
+        SCOPED_TRACE(rows.front());
         const bool edited = rows.size() == 3;
         const connection_record stored = parse_row(rows.front());
         const auto& [opener, title] = editor_of_type.at(stored[MC_TYPE]);

@@ -38,12 +38,8 @@ struct vector_case {
 
 std::vector<vector_case> vector_cases(const std::string& name, const connection_record& base)
 {
-    std::vector<std::vector<std::string>> blocks(1);
-    std::istringstream text(read_file_text(GOLDEN_DIR "/" + name));
-    for (std::string line; std::getline(text, line);)
-        line.empty() ? blocks.emplace_back().clear() : blocks.back().push_back(line);
     std::vector<vector_case> cases;
-    for (const auto& lines : blocks) {
+    for (const auto& lines : read_blocks(GOLDEN_DIR "/" + name)) {
         vector_case& c = cases.emplace_back(lines.front(), base);
         for (size_t i = 1; i + 1 < lines.size(); ++i)
             c.record[std::stoi(lines[i])] = lines[i].substr(lines[i].find('=') + 1);

@@ -67,6 +67,20 @@ std::vector<std::vector<std::string>> read_records(const std::string& path)
     return records;
 }
 
+std::vector<std::vector<std::string>> read_blocks(const std::string& path)
+{
+    std::vector<std::vector<std::string>> blocks(1);
+    std::istringstream text(read_file_text(path));
+    for (std::string line; std::getline(text, line);)
+        if (line.empty() && !blocks.back().empty())
+            blocks.emplace_back();
+        else if (!line.empty() && line[0] != '#')
+            blocks.back().push_back(line);
+    if (blocks.back().empty())
+        blocks.pop_back();
+    return blocks;
+}
+
 void make_dirs(const std::string& path) { std::filesystem::create_directories(path); }
 
 static std::string dump_rows(GtkTreeModel* model, GtkTreeIter* parent, std::initializer_list<int> columns,

@@ -62,6 +62,9 @@ std::string read_file_text(const std::string& path);
 // The records of a data file: each record ends at a line "%%", its fields are parted by
 // lines "--", and every line of a field keeps its line end.
 std::vector<std::vector<std::string>> read_records(const std::string& path);
+// The blocks of a data file: lines parted by blank lines (none is empty); lines starting
+// with "#" are notes.
+std::vector<std::vector<std::string>> read_blocks(const std::string& path);
 void make_dirs(const std::string& path);
 
 // A list or tree model as text, for every model the tests look at: a line a row, children
