@@ -4,6 +4,7 @@
 #include "platform/line_reader.h"
 #include "platform/message.h"
 #include "platform/paths.h"
+#include "platform/text.h"
 
 #include <algorithm>
 #include <cctype>
@@ -104,8 +105,6 @@ void cut_at(std::string& text, size_t position)
     if (position != std::string::npos)
         text.resize(position);
 }
-
-bool contains(const std::string& text, const char* part) { return text.find(part) != std::string::npos; }
 
 // A "code description" line of the rules list or keymap.lst. A line without a space
 // among its first characters names no description and is skipped.

@@ -8,3 +8,6 @@
 // bytes as a window shows them: unchanged when they are valid UTF-8, otherwise read as
 // Latin-1, where every byte is a character, so nothing is dropped or cut.
 std::string shown_text(std::string_view bytes);
+
+// Whether part appears anywhere in text.
+inline bool contains(std::string_view text, std::string_view part) { return text.find(part) != std::string_view::npos; }

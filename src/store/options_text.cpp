@@ -1,5 +1,7 @@
 #include "store/options_text.h"
 
+#include "platform/text.h"
+
 #include <algorithm>
 #include <cctype>
 
@@ -11,8 +13,6 @@ constexpr const char* shell_is_ours = "kest";
 constexpr const char* taskbar_key = "show_taskbar";
 constexpr const char* kiosk_key = "kiosk_browser";
 constexpr const char* true_word = "true";
-
-bool contains(const std::string& text, const char* part) { return text.find(part) != std::string::npos; }
 
 }  // namespace
 

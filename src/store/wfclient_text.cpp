@@ -2,6 +2,7 @@
 
 #include "platform/file.h"
 #include "platform/line_reader.h"
+#include "platform/text.h"
 #include "store/choices.h"
 
 #include <cstdio>
@@ -55,12 +56,10 @@ constexpr const char* plus_word = "Plus";
 constexpr const char* minus_word = "Minus";
 constexpr const char* default_layout = "(User Profile)";
 
-bool holds(const std::string& line, const char* key) { return line.find(key) != std::string::npos; }
-
 bool holds_any(const std::string& line, std::initializer_list<const char*> keys)
 {
     for (const char* key : keys)
-        if (holds(line, key))
+        if (contains(line, key))
             return true;
     return false;
 }
@@ -69,7 +68,7 @@ template <size_t N>
 bool holds_any(const std::string& line, const char* const (&keys)[N])
 {
     for (const char* key : keys)
-        if (holds(line, key))
+        if (contains(line, key))
             return true;
     return false;
 }
@@ -123,7 +122,7 @@ int number_after(const std::string& line, const char* key)
 void take_address(const std::string& line, const char* key,
                   std::array<std::string, server_slots>& slots)
 {
-    if (!holds(line, key))
+    if (!contains(line, key))
         return;
     const size_t equals = line.find('=');
     const int number = number_after(line, key);
@@ -169,7 +168,7 @@ std::string rewrite_section(const std::string& text, const char* const (&keys)[N
 {
     std::string out;
     for_each_line(text, [&](const std::string& line) {
-        if (holds(line, section_line))
+        if (contains(line, section_line))
             out += line + "\n" + block;
         else if (!holds_any(line, keys))
             out += line + "\n";
@@ -209,9 +208,9 @@ void read_hotkey(const std::string& line, const std::string& value, global_setti
     if (number < 1 || number > hotkey_count)
         return;
     hotkey& entry = s.hotkeys[number - 1];
-    if (holds(line, "Shift") && is_choice(hotkey_shift, value))
+    if (contains(line, "Shift") && is_choice(hotkey_shift, value))
         entry.shift = value;
-    if (holds(line, "Char")) {
+    if (contains(line, "Char")) {
         const std::string key = value == plus_word ? "+" : value == minus_word ? "-" : value;
         if (is_choice(hotkey_chars, key))
             entry.key = key;
@@ -288,16 +287,15 @@ std::string com_lines(const global_settings& s)
 
 }  // namespace
 
-
 server_locations read_server_locations(const std::string& text)
 {
     std::array<std::string, server_slots> http{}, tcp{};
     bool http_protocol = true, ssl = false;
     for_each_line(text, [&](const std::string& line) {
-        if (holds(line, "SSLEnable="))
+        if (contains(line, "SSLEnable="))
             ssl = holds_any(line, {"On", "True", "Yes", "1"});
-        if (holds(line, "BrowserProtocol="))
-            http_protocol = holds(line, "HTTPonTCP");
+        if (contains(line, "BrowserProtocol="))
+            http_protocol = contains(line, "HTTPonTCP");
         take_address(line, http_key, http);
         take_address(line, tcp_key, tcp);
     });
@@ -330,17 +328,17 @@ void read_global_settings(const std::string& text, global_settings& s, const rea
         std::string value;
         if (!global_value(line, &value))
             return;
-        if (holds(line, hotkey_key) && observer && number_after(line, hotkey_key) > hotkey_count)
+        if (contains(line, hotkey_key) && observer && number_after(line, hotkey_key) > hotkey_count)
             (*observer)({read_note::number_ignored, number, line});
-        if (holds(line, hotkey_key))
+        if (contains(line, hotkey_key))
             read_hotkey(line, value, s);
         read_drive(line, value, s);
-        if (holds(line, com_key) && !holds(line, "LastComPortNum=")) {
+        if (contains(line, com_key) && !contains(line, "LastComPortNum=")) {
             s.com_ports.push_back({"COM" + digits_after(line, com_key), value});
         }
-        if (holds(line, "KeyboardLayout"))
+        if (contains(line, "KeyboardLayout"))
             s.keyboard_layout = value;
-        if (holds(line, "AllowAudioInput"))
+        if (contains(line, "AllowAudioInput"))
             s.audio_input = is_true_word(value);
     }, true, observer);
 }
@@ -348,7 +346,7 @@ void read_global_settings(const std::string& text, global_settings& s, const rea
 bool has_wfclient_section(const std::string& text)
 {
     bool found = false;
-    for_each_line(text, [&](const std::string& line) { found = found || holds(line, section_line); });
+    for_each_line(text, [&](const std::string& line) { found = found || contains(line, section_line); });
     return found;
 }
 
