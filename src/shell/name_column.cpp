@@ -1,5 +1,6 @@
 #include "shell/name_column.h"
 
+#include "platform/attached.h"
 #include "platform/text.h"
 #include "store/record.h"
 
@@ -69,16 +70,7 @@ private:
 
 constexpr const char* name_measure_key = "kestrelle-name-measure";
 
-name_measure& measure_of(GtkTreeView* view)
-{
-    auto* measure = static_cast<name_measure*>(g_object_get_data(G_OBJECT(view), name_measure_key));
-    if (!measure) {
-        measure = new name_measure(view);
-        g_object_set_data_full(G_OBJECT(view), name_measure_key, measure,
-                               [](gpointer data) { delete static_cast<name_measure*>(data); });
-    }
-    return *measure;
-}
+name_measure& measure_of(GtkTreeView* view) { return attached<name_measure>(view, name_measure_key); }
 
 gboolean widen_for_row_cb(GtkTreeModel* model, GtkTreePath* path, GtkTreeIter* iter, gpointer view)
 {

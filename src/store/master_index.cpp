@@ -1,5 +1,6 @@
 #include "store/master_index.h"
 
+#include "platform/attached.h"
 #include "store/record.h"
 
 #include <algorithm>
@@ -106,16 +107,7 @@ private:
 
 constexpr const char* master_index_key = "kestrelle-master-index";
 
-master_row_index& index_of(GtkListStore* list)
-{
-    auto* index = static_cast<master_row_index*>(g_object_get_data(G_OBJECT(list), master_index_key));
-    if (!index) {
-        index = new master_row_index(list);
-        g_object_set_data_full(G_OBJECT(list), master_index_key, index,
-                               [](gpointer data) { delete static_cast<master_row_index*>(data); });
-    }
-    return *index;
-}
+master_row_index& index_of(GtkListStore* list) { return attached<master_row_index>(list, master_index_key); }
 
 }  // namespace
 
